@@ -1,0 +1,66 @@
+#include "memorymap/memory_map.h"
+
+#include <algorithm>
+#include <cstring>
+#include <strings.h>
+#include <vector>
+
+#include "base/log.h"
+#include "xml/xml_string.h"
+
+namespace regmill {
+
+ElementKind elementKindOfTag(const char* tag) {
+  static const struct {
+    const char* tag;
+    ElementKind kind;
+  } kKinds[] = {{"MemorySegment", MemorySegmentKind}, {"Register", RegisterKind},
+                {"ProgramSection", ProgramSectionKind}, {"Root", RootKind},
+                {"RegisterGroup", RegisterGroupKind}, {"BitField", BitFieldKind},
+                {"Enum", EnumKind}, {"Processor", ProcessorKind}, {"Vector", VectorKind}};
+  for (const auto& entry : kKinds)
+    if (std::strcmp(tag, entry.tag) == 0) return entry.kind;
+  return OtherKind;
+}
+
+XMLElement* MemoryMap::createElement(char* tag) { return new MemoryMapElement(tag, newElementFlag_); }
+
+void MemoryMap::reportError(const QString& message) {
+  if (logMask() & kLogWarnings) logMessage("warning", kLogLineFeed, "%s", message.toUtf8().constData());
+}
+
+MemoryMapElement* MemoryMap::root() const { return dynamic_cast<MemoryMapElement*>(XMLPP2::root()); }
+
+MemoryMapElement* MemoryMap::newElement(const char* tag) {
+  return static_cast<MemoryMapElement*>(createElement(copyXmlString(tag, std::strlen(tag))));
+}
+
+namespace {
+
+bool attributeMatches(const MemoryMapElement* element, const char* name, const char* value, bool caseSensitive) {
+  if (name == nullptr || value == nullptr) return true;
+  const char* own = element->getAttribute(name);
+  if (own == nullptr) return false;
+  return caseSensitive ? std::strcmp(own, value) == 0 : strcasecmp(own, value) == 0;
+}
+
+}  // namespace
+
+MemoryMapElement* findElement(MemoryMapElement* start, ElementKind kind, const char* name, const char* value,
+                              bool caseSensitive) {
+  if (start == nullptr) return nullptr;
+  // Depth first in document order; children are reached only through memory-map elements.
+  std::vector<MemoryMapElement*> pending{start};
+  while (!pending.empty()) {
+    MemoryMapElement* element = pending.back();
+    pending.pop_back();
+    if (element->kind() == kind && attributeMatches(element, name, value, caseSensitive)) return element;
+    size_t firstOfChildren = pending.size();
+    for (XMLNode* child = element->firstChild(); child != nullptr; child = child->nextSibling())
+      if (auto* childElement = dynamic_cast<MemoryMapElement*>(child)) pending.push_back(childElement);
+    std::reverse(pending.begin() + static_cast<std::ptrdiff_t>(firstOfChildren), pending.end());
+  }
+  return nullptr;
+}
+
+}  // namespace regmill
