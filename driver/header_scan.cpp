@@ -1,0 +1,122 @@
+#include "driver/header_scan.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <map>
+
+#include "base/text_file.h"
+#include "memorymap/svd_file.h"
+
+namespace regmill {
+
+namespace {
+
+constexpr size_t kLineBuffer = 1024;
+
+struct EnumeratedName {
+  std::string name;
+  uint64_t number;
+};
+
+// The enumerators behind "SysTick_IRQn": lines with "_IRQn" and an "=" behind it.
+std::vector<EnumeratedName> scanEnumerators(TextFileReader& reader) {
+  char line[kLineBuffer];
+  while (reader.readLine(line, sizeof line))
+    if (std::strstr(line, "SysTick_IRQn") != nullptr) break;
+  std::vector<EnumeratedName> pairs;
+  while (reader.readLine(line, sizeof line)) {
+    const char* start = line;
+    while (*start == ' ') ++start;  // blanks only: a tab stays part of the name
+    const char* match = std::strstr(start, "_IRQn");
+    if (match == nullptr) continue;
+    const char* equals = std::strchr(match + 5, '=');
+    if (equals == nullptr) continue;
+    uint32_t number = static_cast<uint32_t>(std::strtoul(equals + 1, nullptr, 0));
+    pairs.push_back({std::string(start, static_cast<size_t>(match - start)), number});
+  }
+  return pairs;
+}
+
+// The first decimal digit on the line, starting one byte behind the macro's name;
+// a name that ends the piece has nothing behind it and gives 0.
+uint32_t digitBehind(const char* match, size_t nameLength) {
+  const char* cursor = match + nameLength;
+  if (*cursor == '\0') return 0;
+  for (++cursor; *cursor != '\0'; ++cursor)
+    if (*cursor >= '0' && *cursor <= '9') return static_cast<uint32_t>(*cursor - '0');
+  return 0;
+}
+
+void scanMacro(const char* line, const char* name, uint32_t& value) {
+  if (const char* match = std::strstr(line, name)) value = digitBehind(match, std::strlen(name));
+}
+
+void scanCoreRevision(const char* line, HeaderScanResult& result) {
+  if (std::strstr(line, "__CM0_REV") != nullptr)
+    result.hasVTOR = false;
+  else if (std::strstr(line, "__CM0PLUS_REV") != nullptr)
+    result.hasVTOR = true;
+  else if (std::strstr(line, "__CM3_REV") != nullptr)
+    result.coreNumber = 3;
+  else if (std::strstr(line, "__CM4_REV") != nullptr)
+    result.coreNumber = 4;
+  else if (std::strstr(line, "__CM7_REV") != nullptr)
+    result.coreNumber = 7;
+  else if (std::strstr(line, "__CM23_REV") != nullptr)
+    result.coreNumber = 23;
+  else if (std::strstr(line, "__CM33_REV") != nullptr)
+    result.coreNumber = 33;
+}
+
+void scanCoreMacros(TextFileReader& reader, HeaderScanResult& result) {
+  char line[kLineBuffer];
+  while (reader.readLine(line, sizeof line)) {
+    scanMacro(line, "__MPU_PRESENT", result.mpuPresentDigit);
+    scanMacro(line, "__NVIC_PRIO_BITS", result.nvicPrioBits);
+    scanMacro(line, "__FPU_PRESENT", result.fpuPresentDigit);
+    scanCoreRevision(line, result);
+  }
+}
+
+// Names by position: a number ahead of the running index leaves empty entries in
+// between; a number behind it (out of order or repeated) takes the next position.
+// Positions are counted without making the empty entries, so a number such as
+// 0xFFFFFFFF costs nothing.
+QStringList namesByPosition(const std::vector<EnumeratedName>& pairs, size_t tableSize) {
+  std::map<uint64_t, const std::string*> kept;
+  uint64_t index = 0;
+  for (const EnumeratedName& pair : pairs) {
+    if (index < pair.number) index = pair.number;
+    if (index < tableSize) kept[index] = &pair.name;
+    ++index;
+  }
+  QStringList names;
+  for (const auto& [position, name] : kept) {
+    while (static_cast<uint64_t>(names.size()) < position) names.append(QString());
+    names.append(QString::fromLatin1(name->data(), static_cast<qsizetype>(name->size())));
+  }
+  return names;
+}
+
+}  // namespace
+
+bool scanCmsisHeader(const char* path, size_t tableSize, HeaderScanResult& result) {
+  TextFileReader reader;
+  if (!reader.open(path)) return false;
+  std::vector<EnumeratedName> pairs = scanEnumerators(reader);
+  reader.rewind();
+  scanCoreMacros(reader, result);
+  result.interruptNames = namesByPosition(pairs, tableSize);
+  return true;
+}
+
+bool applyCmsisHeader(const char* path, SVDFile& file) {
+  HeaderScanResult result;
+  if (!scanCmsisHeader(path, static_cast<size_t>(file.interruptTableSize), result)) return false;
+  file.setInterruptNames(result.interruptNames);
+  file.setCoreInfo(result.coreNumber, result.hasVTOR, result.nvicPrioBits, result.mpuPresentDigit != 0,
+                   result.fpuPresentDigit != 0);
+  return true;
+}
+
+}  // namespace regmill

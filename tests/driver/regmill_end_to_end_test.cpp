@@ -1,0 +1,314 @@
+// The converter as a user runs it: arguments in, files, stdout, stderr and exit
+// code out. Expected files are written by hand from the format rules.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "regmill_process.h"
+
+namespace regmill {
+namespace {
+
+using testing::ProcessResult;
+using testing::ScratchFolder;
+using testing::runRegmill;
+
+const char kUsage[] =
+    "Usage:\n"
+    "  regmill [options] svd_file memory_map_file\n"
+    "\n"
+    "Options:\n"
+    "  -reg-size-bytes          SVD register size definitions are in bytes\n"
+    "  -ignore-description      Ignore description fields in SVD file\n"
+    "  -irq-table name          Create an assembly code vector table in 'name'.vec\n"
+    "  -irq-start number        The vector entry number to start from default is 16\n"
+    "  -irqs irq0;irq1;..       Specify the list of interrupt names\n"
+    "  -irqs2 filename          Get the interrupt names and CPU info from a CMSIS header 'filename'\n"
+    "  -ignore-name name        Ignore all entries with 'name'\n"
+    "  -tcf                     Input file is a tcf file not an SVD file\n"
+    "  -ddf                     Input file is a ddf file not an SVD file\n"
+    "  -rdt                     Input file is a rdt file not an SVD file\n"
+    "  -nvic p                  Create an NVIC registergroup with 'p' priority bits\n"
+    "  -pp                      Create PPB register groups e.g. nvic, scb, systick, mpu\n"
+    "  -remove name;name;..     Remove the list of register groups\n"
+    "  -include f               Add an <include file_name='f'\n"
+    "  -include-macros m        Add an <include file_name='f' macros='m'\n"
+    "  -core n                  Core type is Cortex-M'n'\n"
+    "  -mpu                     Core has an mpu\n"
+    "  -fpu                     Core has an fpu\n";
+
+const char kUartDDF[] =
+    "; a comment line\n"
+    "[Sfr]\n"
+    "sfr = \"UART_CR\", \"Register\", 0x40001000, 4\n"
+    "sfr = \"UART_CR.EN\", \"Register\", 0x40001000, 4, bitRange=0\n"
+    "sfr = \"UART_DR\", \"Register\", 0x40001004, 4\n"
+    "[SfrGroupInfo]\n"
+    "group = \"UART\", \"UART_CR\", \"UART_DR\"\n";
+
+const char kUartMap[] =
+    "<Root>\n"
+    "  <RegisterGroup name=\"UART\" start=\"0x40001000\">\n"
+    "    <Register name=\"UART_CR\" start=\"0x40001000\" size=\"4\">\n"
+    "      <BitField name=\"EN\" start=\"0\" size=\"1\" />\n"
+    "    </Register>\n"
+    "    <Register name=\"UART_DR\" start=\"0x40001004\" size=\"4\" />\n"
+    "  </RegisterGroup>\n"
+    "</Root>\n";
+
+const char kThreeGroupsDDF[] =
+    "sfr = \"A0\", \"Register\", 0x100, 4\n"
+    "sfr = \"B0\", \"Register\", 0x200, 4\n"
+    "sfr = \"C0\", \"Register\", 0x300, 4\n"
+    "group = \"A\", \"A0\"\n"
+    "group = \"B\", \"B0\"\n"
+    "group = \"C\", \"C0\"\n";
+
+const char kTimerTCF[] =
+    "<boards><board>\n"
+    "<enumeration name=\"modes\" values=\"OFF,,ON\"/>\n"
+    "<peripheral name=\"TIMER\" offset=\"0x40002000\">\n"
+    "  <register name=\"CTRL\" offset=\"0x40002000\" size=\"4\">\n"
+    "    <bitField name=\"MODE\" low_bit=\"4\" high_bit=\"7\" enumerationId=\"modes\"/>\n"
+    "  </register>\n"
+    "</peripheral>\n"
+    "</board></boards>\n";
+
+const char kTimerMap[] =
+    "<Root>\n"
+    "  <RegisterGroup name=\"TIMER\" start=\"0x40002000\">\n"
+    "    <Register name=\"CTRL\" start=\"0x40002000\" size=\"4\">\n"
+    "      <BitField name=\"MODE\" start=\"4\" size=\"4\">\n"
+    "        <Enum name=\"OFF\" start=\"0\" />\n"
+    "        <Enum name=\"ON\" start=\"1\" />\n"
+    "      </BitField>\n"
+    "    </Register>\n"
+    "  </RegisterGroup>\n"
+    "</Root>\n";
+
+const char kGpioRDT[] =
+    "<system><soc><cpu id=\"CortexA9_0\">\n"
+    "  <instance id=\"GPIO0\" baseaddr=\"0xE000A000\" xml=\"gpio.xml\"/>\n"
+    "</cpu></soc></system>\n";
+
+const char kGpioInstance[] =
+    "<block>\n"
+    "  <register id=\"DATA\" offset=\"0x40\">\n"
+    "    <bitfield id=\"PIN0\" end=\"0\" width=\"1\"><value id=\"LOW\" value=\"0\"/><value id=\"HIGH\" value=\"1\"/></bitfield>\n"
+    "    <bitfield id=\"RESERVED\" end=\"1\" width=\"31\"><value id=\"X\" value=\"0\"/></bitfield>\n"
+    "  </register>\n"
+    "</block>\n";
+
+const char kGpioMap[] =
+    "<Root>\n"
+    "  <RegisterGroup name=\"GPIO0\" start=\"0xE000A000\">\n"
+    "    <Register name=\"DATA\" start=\"+0x40\">\n"
+    "      <BitField name=\"PIN0\" start=\"0\" size=\"1\">\n"
+    "        <Enum name=\"LOW\" start=\"0\" />\n"
+    "        <Enum name=\"HIGH\" start=\"1\" />\n"
+    "      </BitField>\n"
+    "    </Register>\n"
+    "  </RegisterGroup>\n"
+    "</Root>\n";
+
+class RegmillRun : public ::testing::Test {
+ protected:
+  ProcessResult run(const std::vector<std::string>& arguments) { return runRegmill(arguments, folder_.path()); }
+  void expectSuccess(const ProcessResult& result) {
+    EXPECT_EQ(result.exitCode, 0) << result.err;
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(result.err, "");
+  }
+  ScratchFolder folder_;
+};
+
+TEST_F(RegmillRun, WrongNumberOfPositionalsPrintsUsage) {
+  folder_.write("in.ddf", kUartDDF);
+  for (const auto& arguments : std::vector<std::vector<std::string>>{
+           {}, {"in.ddf"}, {"-ddf", "in.ddf", "a.xml", "b.xml"}, {"-x", "in.ddf", "a.xml"}}) {
+    ProcessResult result = run(arguments);
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_EQ(result.out, kUsage);
+    EXPECT_EQ(result.err, "");
+  }
+  EXPECT_FALSE(folder_.exists("a.xml"));
+}
+
+TEST_F(RegmillRun, MissingOptionValueNamesTheOption) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"-irq-table", "Filename required for -irq-table option\n"},
+      {"-irq-start", "Size required for -irq-start option\n"},
+      {"-ignore-name", "Name required for -ignore-name option\n"},
+      {"-nvic", "Num prioirty bits required for -nvic option\n"},
+      {"-include", "Argument required for -include option\n"},
+      {"-include-macros", "Argument required for -include-macros option\n"},
+      {"-irqs", "Argument required for -irqs option\n"},
+      {"-irqs2", "Argument required for -irqs2 option\n"},
+      {"-remove", "Argument required for -remove option\n"},
+      {"-core", "Core number required for -core option\n"},
+  };
+  for (const auto& [option, message] : cases) {
+    // The message comes before anything else, also before the usage check.
+    ProcessResult result = run({"-ddf", "in.ddf", "out.xml", option});
+    EXPECT_EQ(result.exitCode, 1) << option;
+    EXPECT_EQ(result.err, message);
+    EXPECT_EQ(result.out, "");
+  }
+  EXPECT_FALSE(folder_.exists("out.xml"));
+}
+
+TEST_F(RegmillRun, DdfInputGivesTheDocumentedMemoryMap) {
+  folder_.write("uart.ddf", kUartDDF);
+  expectSuccess(run({"-ddf", "uart.ddf", "uart.xml"}));
+  EXPECT_EQ(folder_.read("uart.xml"), kUartMap);
+}
+
+TEST_F(RegmillRun, CrlfDdfInputReadsLikeLinuxLineEnds) {
+  std::string crlf;
+  for (char c : std::string(kUartDDF)) crlf += c == '\n' ? std::string("\r\n") : std::string(1, c);
+  folder_.write("uart.ddf", crlf);
+  expectSuccess(run({"-ddf", "uart.ddf", "uart.xml"}));
+  EXPECT_EQ(folder_.read("uart.xml"), kUartMap);
+}
+
+TEST_F(RegmillRun, TcfWinsOverDdfAndDdfOverRdt) {
+  folder_.write("timer.tcf", kTimerTCF);
+  folder_.write("uart.ddf", kUartDDF);
+  expectSuccess(run({"-ddf", "-tcf", "timer.tcf", "timer.xml"}));
+  EXPECT_EQ(folder_.read("timer.xml"), kTimerMap);
+  expectSuccess(run({"-rdt", "-ddf", "uart.ddf", "uart.xml"}));
+  EXPECT_EQ(folder_.read("uart.xml"), kUartMap);
+}
+
+TEST_F(RegmillRun, RdtInputLoadsInstanceFilesFromTheWorkingFolder) {
+  folder_.write("board.rdt", kGpioRDT);
+  folder_.write("gpio.xml", kGpioInstance);
+  expectSuccess(run({"-rdt", "board.rdt", "gpio-map.xml"}));
+  EXPECT_EQ(folder_.read("gpio-map.xml"), kGpioMap);
+}
+
+TEST_F(RegmillRun, UnreadableRdtInstanceFileFailsWithItsName) {
+  folder_.write("board.rdt", kGpioRDT);
+  ProcessResult result = run({"-rdt", "board.rdt", "gpio-map.xml"});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_EQ(result.err, "error: read of gpio.xml failed\n");
+  EXPECT_FALSE(folder_.exists("gpio-map.xml"));
+}
+
+TEST_F(RegmillRun, UnreadableInputLeavesExistingOutputUntouched) {
+  folder_.write("out.xml", "precious");
+  for (const char* format : {"-ddf", "-tcf", "-rdt"}) {
+    ProcessResult result = run({format, "missing-input", "out.xml"});
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_EQ(result.err, "error: read of missing-input failed\n");
+  }
+  ProcessResult result = run({"missing.svd", "out.xml"});
+  EXPECT_EQ(result.err, "error: read of missing.svd failed\n");
+  EXPECT_EQ(folder_.read("out.xml"), "precious");
+}
+
+TEST_F(RegmillRun, BadXmlInputFails) {
+  folder_.write("bad.tcf", "<boards><board></wrong></boards>");
+  folder_.write("out.xml", "precious");
+  ProcessResult result = run({"-tcf", "bad.tcf", "out.xml"});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_EQ(result.err, "error: read of bad.tcf failed\n");
+  EXPECT_EQ(folder_.read("out.xml"), "precious");
+}
+
+TEST_F(RegmillRun, UnwritableOutputFails) {
+  folder_.write("uart.ddf", kUartDDF);
+  ProcessResult result = run({"-ddf", "uart.ddf", "no-such-folder/out.xml"});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_EQ(result.err, "error: write of no-such-folder/out.xml failed\n");
+}
+
+TEST_F(RegmillRun, RemoveSkipsEmptyPartsAndUnknownNames) {
+  folder_.write("three.ddf", kThreeGroupsDDF);
+  expectSuccess(run({"-ddf", "-remove", "A;;C;NOPE", "three.ddf", "out.xml"}));
+  EXPECT_EQ(folder_.read("out.xml"),
+            "<Root>\n"
+            "  <RegisterGroup name=\"B\" start=\"0x200\">\n"
+            "    <Register name=\"B0\" start=\"0x200\" size=\"4\" />\n"
+            "  </RegisterGroup>\n"
+            "</Root>\n");
+}
+
+TEST_F(RegmillRun, IncludeElementIsTheRootsLastChild) {
+  folder_.write("three.ddf", kThreeGroupsDDF);
+  expectSuccess(run({"-ddf", "-remove", "A;B", "-include", "core.xml", "three.ddf", "plain.xml"}));
+  EXPECT_EQ(folder_.read("plain.xml"),
+            "<Root>\n"
+            "  <RegisterGroup name=\"C\" start=\"0x300\">\n"
+            "    <Register name=\"C0\" start=\"0x300\" size=\"4\" />\n"
+            "  </RegisterGroup>\n"
+            "  <include filename=\"core.xml\" no_root=\"1\" />\n"
+            "</Root>\n");
+  expectSuccess(run({"-ddf", "-remove", "A;B;C", "-include-macros", "M=1&N", "-include", "core.xml", "three.ddf",
+                     "macros.xml"}));
+  EXPECT_EQ(folder_.read("macros.xml"),
+            "<Root>\n"
+            "  <include filename=\"core.xml\" macros=\"M=1&amp;N\" no_root=\"1\" />\n"
+            "</Root>\n");
+  // Macros without an include add nothing.
+  expectSuccess(run({"-ddf", "-include-macros", "M", "three.ddf", "none.xml"}));
+  EXPECT_EQ(folder_.read("none.xml").find("include"), std::string::npos);
+}
+
+TEST_F(RegmillRun, CoreOptionsWithoutTableChangeNothing) {
+  folder_.write("uart.ddf", kUartDDF);
+  expectSuccess(run({"-ddf", "-core", "4", "-mpu", "-fpu", "-irqs", "A;B", "-nvic", "0", "uart.ddf", "out.xml"}));
+  EXPECT_EQ(folder_.read("out.xml"), kUartMap);
+}
+
+TEST_F(RegmillRun, VectorTableFollowsTheInterruptList) {
+  folder_.write("uart.ddf", kUartDDF);
+  expectSuccess(run({"-ddf", "-irqs", "A;;B", "-irq-table", "all", "-irq-start", "0", "uart.ddf", "out.xml"}));
+  EXPECT_EQ(folder_.read("all.vec"), "ISR_HANDLER A_IRQHandler\nISR_RESERVED\nISR_HANDLER B_IRQHandler\n");
+  expectSuccess(run({"-ddf", "-irqs", "A;;B", "-irq-table", "two", "-irq-start", "2", "uart.ddf", "out.xml"}));
+  EXPECT_EQ(folder_.read("two.vec"), "ISR_HANDLER B_IRQHandler\n");
+  // With the default first entry of 16 the names at 0 to 2 are not printed.
+  expectSuccess(run({"-ddf", "-irqs", "A;;B", "-irq-table", "default", "uart.ddf", "out.xml"}));
+  EXPECT_EQ(folder_.read("default.vec"), "");
+  expectSuccess(run({"-ddf", "-irq-table", "big", "-irq-start", "0xFFFFFFFF", "uart.ddf", "out.xml"}));
+  EXPECT_EQ(folder_.read("big.vec"), "");
+}
+
+TEST_F(RegmillRun, UnwritableVectorTableKeepsTheMemoryMap) {
+  folder_.write("uart.ddf", kUartDDF);
+  ProcessResult result = run({"-ddf", "-irqs", "A", "-irq-table", "no-such-folder/v", "uart.ddf", "out.xml"});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_EQ(result.err, "error: write of no-such-folder/v.vec failed\n");
+  EXPECT_EQ(folder_.read("out.xml"), kUartMap);
+}
+
+TEST_F(RegmillRun, HeaderScanNamesTheVectors) {
+  folder_.write("uart.ddf", kUartDDF);
+  folder_.write("device.h",
+                "typedef enum {\n  SysTick_IRQn = -1,\n  WDT_IRQn = 0,\n  RTC_IRQn = 2,\n} IRQn_Type;\n");
+  expectSuccess(run({"-ddf", "-irqs2", "device.h", "-irq-table", "v", "-irq-start", "0", "uart.ddf", "out.xml"}));
+  EXPECT_EQ(folder_.read("v.vec"), "ISR_HANDLER WDT_IRQHandler\nISR_RESERVED\nISR_HANDLER RTC_IRQHandler\n");
+}
+
+TEST_F(RegmillRun, MissingHeaderFailsWithoutLineFeedUnlessIrqsWins) {
+  folder_.write("uart.ddf", kUartDDF);
+  ProcessResult result = run({"-ddf", "-irqs2", "nope.h", "uart.ddf", "out.xml"});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_EQ(result.err, "couldn't read header file nope.h");
+  EXPECT_FALSE(folder_.exists("out.xml"));
+  expectSuccess(run({"-ddf", "-irqs", "A", "-irqs2", "nope.h", "uart.ddf", "out.xml"}));
+}
+
+TEST_F(RegmillRun, InputWithoutRootWritesAnEmptyFileUnlessARootIsNeeded) {
+  folder_.write("board.tcf", "<board><peripheral name=\"X\" offset=\"0\"/></board>");
+  expectSuccess(run({"-tcf", "board.tcf", "empty.xml"}));
+  EXPECT_EQ(folder_.read("empty.xml"), "");
+  ProcessResult result = run({"-tcf", "-include", "x.xml", "board.tcf", "include.xml"});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_EQ(result.err, "error: read of board.tcf failed\n");
+  EXPECT_FALSE(folder_.exists("include.xml"));
+}
+
+}  // namespace
+}  // namespace regmill

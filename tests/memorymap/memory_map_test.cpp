@@ -1,0 +1,96 @@
+#include "memorymap/memory_map.h"
+#include "xml/xml_string.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+namespace regmill {
+namespace {
+
+TEST(MemoryMap, KindsComeFromExactTags) {
+  const std::pair<const char*, ElementKind> cases[] = {
+      {"MemorySegment", MemorySegmentKind}, {"Register", RegisterKind}, {"ProgramSection", ProgramSectionKind},
+      {"Root", RootKind}, {"RegisterGroup", RegisterGroupKind}, {"BitField", BitFieldKind}, {"Enum", EnumKind},
+      {"Processor", ProcessorKind}, {"Vector", VectorKind}, {"enum", OtherKind}, {"include", OtherKind},
+      {"Registers", OtherKind}, {"", OtherKind}};
+  MemoryMap map;
+  for (const auto& [tag, kind] : cases) {
+    MemoryMapElement* element = map.newElement(tag);
+    EXPECT_EQ(element->kind(), kind) << tag;
+    EXPECT_EQ(element->address, 0u);
+    delete element;
+  }
+}
+
+TEST(MemoryMap, RootOfAnotherClassReadsAsNull) {
+  MemoryMap map;
+  EXPECT_EQ(map.root(), nullptr);
+  map.setRoot(new XMLElement(copyXmlString("Root", 4)));
+  EXPECT_EQ(map.root(), nullptr);
+  map.setRoot(map.newElement("Root"));
+  ASSERT_NE(map.root(), nullptr);
+  EXPECT_EQ(map.root()->kind(), RootKind);
+}
+
+TEST(MemoryMap, ParsedElementsAreMemoryMapElements) {
+  MemoryMap map;
+  ASSERT_TRUE(map.parse("<Processor><RegisterGroup name=\"A\"/></Processor>"));
+  ASSERT_NE(map.root(), nullptr);
+  EXPECT_EQ(map.root()->kind(), ProcessorKind);
+  EXPECT_NE(dynamic_cast<MemoryMapElement*>(map.root()->firstChild()), nullptr);
+}
+
+class FindElement : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    ASSERT_TRUE(map_.parse(
+        "<Processor>"
+        "<RegisterGroup name=\"UART\"><Register name=\"CR\"><BitField name=\"EN\"/></Register></RegisterGroup>"
+        "<RegisterGroup name=\"NVIC\"><Register name=\"ISER0\"/></RegisterGroup>"
+        "<RegisterGroup name=\"nvic\"/>"
+        "<Register name=\"CR\" start=\"second\"/>"
+        "</Processor>"));
+  }
+  MemoryMapElement* find(ElementKind kind, const char* name, const char* value, bool caseSensitive) {
+    return findElement(map_.root(), kind, name, value, caseSensitive);
+  }
+  MemoryMap map_;
+};
+
+TEST_F(FindElement, NameIsComparedWithOrWithoutCase) {
+  MemoryMapElement* loose = find(RegisterGroupKind, "name", "nvic", false);
+  ASSERT_NE(loose, nullptr);
+  EXPECT_STREQ(loose->getAttribute("name"), "NVIC");  // the first in document order
+  MemoryMapElement* exact = find(RegisterGroupKind, "name", "nvic", true);
+  ASSERT_NE(exact, nullptr);
+  EXPECT_STREQ(exact->getAttribute("name"), "nvic");
+  EXPECT_EQ(find(RegisterGroupKind, "name", "NVIc", true), nullptr);
+}
+
+TEST_F(FindElement, DepthFirstInDocumentOrder) {
+  MemoryMapElement* cr = find(RegisterKind, "name", "CR", true);
+  ASSERT_NE(cr, nullptr);
+  EXPECT_FALSE(cr->hasAttribute("start"));  // the nested one comes before the later sibling
+  EXPECT_STREQ(find(BitFieldKind, nullptr, nullptr, true)->getAttribute("name"), "EN");
+  EXPECT_EQ(find(RegisterKind, "start", "missing", true), nullptr);
+  EXPECT_EQ(find(EnumKind, nullptr, nullptr, true), nullptr);
+  EXPECT_EQ(find(ProcessorKind, nullptr, nullptr, true), map_.root());
+}
+
+TEST(MemoryMap, EmptyRootIsWrittenAsOneClosedTag) {
+  MemoryMap map;
+  map.setRoot(map.newElement("Root"));
+  char* text = nullptr;
+  size_t length = 0;
+  FILE* stream = open_memstream(&text, &length);
+  map.write(stream, 2, 0);
+  std::fclose(stream);
+  EXPECT_EQ(std::string(text, length), "<Root/>\n");
+  std::free(text);
+}
+
+}  // namespace
+}  // namespace regmill

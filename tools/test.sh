@@ -1,0 +1,30 @@
+#!/usr/bin/env bash
+# Installs what is missing, builds everything with AddressSanitizer and
+# UndefinedBehaviorSanitizer, runs every test, then builds the libFuzzer targets
+# with clang and runs each for a bounded time from its seed corpus.
+# FUZZ_SECONDS sets the time per target (default 60).
+set -euo pipefail
+cd "$(dirname "$0")/.."
+tools/install-deps.sh
+jobs=$(nproc)
+
+export ASAN_OPTIONS=detect_leaks=1:abort_on_error=1
+export UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
+cmake -S . -B out/asan -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DREGMILL_SANITIZE=ON >/dev/null
+ninja -C out/asan -j"$jobs"
+ctest --test-dir out/asan -j"$jobs" --output-on-failure
+
+cmake -S . -B out/fuzz -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+  -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ -DREGMILL_FUZZ=ON -DREGMILL_TESTS=OFF >/dev/null
+ninja -C out/fuzz -j"$jobs" fuzz_targets
+seconds=${FUZZ_SECONDS:-60}
+for target in "$PWD"/out/fuzz/fuzz/*_fuzz; do
+  name=$(basename "$target" _fuzz)
+  work=$(mktemp -d)
+  cp -r "fuzz/corpus/$name/." "$work/"
+  echo "fuzzing $name for ${seconds}s"
+  (cd "$work" && "$target" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=4096 \
+      -print_final_stats=0 . >fuzz.log 2>&1) || { tail -n 60 "$work/fuzz.log"; exit 1; }
+  rm -rf "$work"
+done
+echo "fuzzing: no findings"
