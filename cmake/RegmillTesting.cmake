@@ -2,8 +2,7 @@ find_package(GTest REQUIRED)
 include(GoogleTest)
 
 # regmill_test(name SOURCES ... DEPS ...): one GoogleTest executable registered with CTest.
-# Tests find the shared real-world material through REGMILL_SHARED_DIR and the built
-# converter through REGMILL_BINARY.
+# Tests find the shared real-world material through REGMILL_SHARED_DIR.
 set(REGMILL_SHARED_DIR "${CMAKE_SOURCE_DIR}/../shared" CACHE PATH "Folder with shared test material (corpus)")
 function(regmill_test name)
   cmake_parse_arguments(ARG "" "" "SOURCES;DEPS" ${ARGN})
@@ -12,9 +11,5 @@ function(regmill_test name)
   target_compile_definitions(${name} PRIVATE
     REGMILL_SHARED_DIR="${REGMILL_SHARED_DIR}"
     REGMILL_SOURCE_DIR="${CMAKE_SOURCE_DIR}")
-  if(TARGET regmill)
-    target_compile_definitions(${name} PRIVATE REGMILL_BINARY="$<TARGET_FILE:regmill>")
-    add_dependencies(${name} regmill)
-  endif()
   gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 600)
 endfunction()

@@ -38,29 +38,30 @@ int failWriting(const std::string& name) {
   return 1;
 }
 
-// Reads the input with the reader the options choose; false after a read failure,
-// whose message names `failedName`.
+// TCF and RDT inputs are XML files loaded into a plain document with text nodes off.
+bool readXmlInput(const std::string& input, bool isTCF, SVDFile& file, std::string& failedName) {
+  XMLDocument document(false);
+  if (!document.load(input.c_str())) return false;
+  if (isTCF) {
+    readTCF(document.root(), file);  // the result is not looked at
+    return true;
+  }
+  RDTReadResult result = readRDT(document.root(), file);
+  if (result.unreadableFile) {
+    failedName = *result.unreadableFile;
+    return false;
+  }
+  return true;
+}
+
+// Reads the input with the first reader of TCF, DDF, RDT that the options name, else
+// SVD; false after a read failure, whose message names `failedName`.
 bool readInput(const RunOptions& options, uint32_t readerFlags, SVDFile& file, std::string& failedName) {
   const std::string& input = options.positional[0];
   failedName = input;
-  if (options.inputIsTCF || options.inputIsRDT) {
-    XMLDocument document(false);
-    if (!document.load(input.c_str())) return false;
-    XMLElement* root = document.root() != nullptr && document.root()->isElement()
-                           ? static_cast<XMLElement*>(document.root())
-                           : nullptr;
-    if (options.inputIsTCF) {
-      readTCF(root, file);  // the result is not looked at
-      return true;
-    }
-    RDTReadResult result = readRDT(root, file, fromBytes(input));
-    if (!result.failedFile.isEmpty()) {
-      failedName = result.failedFile.toLocal8Bit().toStdString();
-      return false;
-    }
-    return true;
-  }
-  if (options.inputIsDDF) return readDDF(fromBytes(input), file);
+  if (options.inputIsTCF) return readXmlInput(input, true, file, failedName);
+  if (options.inputIsDDF) return readDDF(input.c_str(), file);
+  if (options.inputIsRDT) return readXmlInput(input, false, file, failedName);
   const char* ignoredName = options.ignoredName ? options.ignoredName->c_str() : nullptr;
   return loadSVD(file, fromBytes(input), readerFlags, ignoredName);
 }

@@ -42,7 +42,7 @@ class SVDFile : public MemoryMap {
 
   std::vector<std::optional<std::string>> interruptNames;
   int32_t interruptTableSize = 0;
-  int32_t highestInterrupt = 0;
+  int32_t highestInterrupt = -1;
   int32_t coreNumber = 0;
   bool hasVTOR = false;
   bool mpuPresent = false;

@@ -9,7 +9,7 @@ TEST(SVDFile, NamesNeedATable) {
   SVDFile file;
   file.setInterruptNames({"A", "B"});
   EXPECT_EQ(file.interruptName(0), nullptr);
-  EXPECT_EQ(file.highestInterrupt, 0);  // untouched without a table
+  EXPECT_EQ(file.highestInterrupt, -1);  // untouched without a table
   file.storeInterruptName(0, "A");
   EXPECT_EQ(file.interruptName(0), nullptr);
 }
