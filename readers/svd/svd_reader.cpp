@@ -1,0 +1,66 @@
+#include "readers/svd/svd_reader.h"
+
+#include "readers/svd/svd_child_table.h"
+#include "readers/svd/svd_device_info.h"
+#include "readers/svd/svd_peripheral.h"
+#include "readers/svd/svd_read_context.h"
+#include "xml/xml_document.h"
+
+namespace regmill {
+
+namespace {
+
+MemoryMapElement* makeProcessorRoot(SVDFile& file) {
+  MemoryMapElement* root = file.newElement("Processor");
+  file.setRoot(root);
+  return root;
+}
+
+void readDeviceTexts(SVDReadContext& context, const ChildTable& device) {
+  MemoryMapElement* root = context.file.root();
+  setText(root, "name", device.text(SVDTag::Name).view());
+  std::string description = context.description(device.text(SVDTag::Description));
+  if (!description.empty()) setText(root, "description", description);
+  context.defaults = {device.text(SVDTag::Width), device.text(SVDTag::Size), device.text(SVDTag::Access),
+                      device.text(SVDTag::ResetValue), device.text(SVDTag::ResetMask)};
+}
+
+void readPeripherals(SVDReadContext& context, const XMLElement* peripherals) {
+  // There is no peripheral array, and a derived peripheral doesn't get its base's interrupts.
+  for (const XMLElement* peripheral = nextElementWithTag(peripherals->firstChild(), "peripheral");
+       peripheral != nullptr && !context.output.refused();
+       peripheral = nextElementWithTag(peripheral->nextSibling(), "peripheral"))
+    readPeripheral(context, peripheral);
+}
+
+}  // namespace
+
+bool readDevice(SVDFile& file, const XMLNode* firstTopLevelNode, uint32_t flags, const char* ignoreName,
+                size_t elementLimit) {
+  const XMLElement* device = nextElementWithTag(firstTopLevelNode, "device");
+  if (device == nullptr) return false;
+  if (file.root() == nullptr) makeProcessorRoot(file);
+  SVDReadContext context(file, firstTopLevelNode, flags, ignoreName, elementLimit);
+  ChildTable children(device);
+  readDeviceTexts(context, children);
+  if (const XMLElement* peripherals = children.find(SVDTag::Peripherals)) readPeripherals(context, peripherals);
+  if (const XMLElement* cpu = children.find(SVDTag::Cpu); cpu != nullptr && !context.has(KeepCoreInfo))
+    readCoreValues(file, cpu);
+  return !context.output.refused();
+}
+
+bool loadSVDFromText(SVDFile& file, const char* text, uint32_t flags, const char* ignoreName, size_t elementLimit) {
+  makeProcessorRoot(file);
+  QXMLDocument svd(true);
+  if (!svd.parse(text)) return false;
+  return readDevice(file, svd.root(), flags, ignoreName, elementLimit);
+}
+
+bool loadSVD(SVDFile& file, const QString& path, uint32_t flags, const char* ignoreName) {
+  makeProcessorRoot(file);
+  QXMLDocument svd(true);
+  if (!svd.load(path)) return false;
+  return readDevice(file, svd.root(), flags, ignoreName);
+}
+
+}  // namespace regmill
