@@ -1,5 +1,7 @@
 #include "xml/xml_document.h"
 
+#include <sys/stat.h>
+
 #include <cstdio>
 #include <string>
 
@@ -47,13 +49,15 @@ void XMLDocument::setError(uint32_t line, const char* format, const char* argume
 
 namespace {
 
-// Reads a stream from where it stands to its end. Reading in blocks rather than by
-// the length that seeking reports also serves pipes, and a directory fails cleanly.
+// Reads a stream whole from its start. The length is taken from the file system,
+// not from seeking, which gives nonsense for a folder; a folder is no readable file,
+// and reading in blocks also serves pipes.
 bool readWholeStream(std::FILE* stream, std::string& contents) {
   contents.clear();
-  if (std::fseek(stream, 0, SEEK_END) == 0) {
-    long length = std::ftell(stream);
-    if (length > 0) contents.reserve(static_cast<size_t>(length) + 1);
+  struct stat info;
+  if (fstat(fileno(stream), &info) == 0) {
+    if (S_ISDIR(info.st_mode)) return false;
+    if (S_ISREG(info.st_mode)) contents.reserve(static_cast<size_t>(info.st_size) + 1);
   }
   std::rewind(stream);
   char block[65536];
@@ -70,15 +74,17 @@ bool XMLDocument::load(const char* path) {
     setError(0, "couldn't read %s", path);
     return false;
   }
-  bool loaded = load(stream);
+  bool loaded = loadNamed(stream, path);
   std::fclose(stream);
   return loaded;
 }
 
-bool XMLDocument::load(std::FILE* stream) {
+bool XMLDocument::load(std::FILE* stream) { return loadNamed(stream, "stream"); }
+
+bool XMLDocument::loadNamed(std::FILE* stream, const char* name) {
   std::string contents;
   if (!readWholeStream(stream, contents)) {
-    setError(0, "couldn't read %s", "stream");
+    setError(0, "couldn't read %s", name);
     return false;
   }
   const char* text = contents.c_str();
@@ -114,7 +120,7 @@ bool QXMLDocument::load(const QString& path) {
     setError(0, "couldn't read %s", encoded.constData());
     return false;
   }
-  bool loaded = XMLDocument::load(stream);
+  bool loaded = loadNamed(stream, encoded.constData());
   std::fclose(stream);
   return loaded;
 }

@@ -48,6 +48,9 @@ class XMLDocument {
 
  protected:
   void setError(uint32_t line, const char* format, const char* argument);
+  // Reads the stream whole and parses it; `name` stands in the error text when the
+  // stream can't be read.
+  bool loadNamed(std::FILE* stream, const char* name);
 
  private:
   bool parseText(const char* text);

@@ -21,19 +21,21 @@ void freeXmlString(char* text) { std::free(text); }
 
 XMLNode::~XMLNode() {
   freeXmlString(text_);
-  // Children are destroyed from a work list rather than by recursion, so that a tree
-  // of any depth is torn down without exhausting the stack.
-  if (firstChild_ == nullptr) return;
-  std::vector<XMLNode*> pending;
-  for (XMLNode* child = firstChild_; child != nullptr; child = child->nextSibling_) pending.push_back(child);
+  // Children are destroyed without recursion and without a work list, so that a tree
+  // of any depth is torn down without exhausting the stack or allocating: a child's
+  // own children are spliced in front of its next sibling before it goes, which
+  // takes the subtree apart in document order.
+  XMLNode* node = firstChild_;
   firstChild_ = lastChild_ = nullptr;
-  while (!pending.empty()) {
-    XMLNode* node = pending.back();
-    pending.pop_back();
-    for (XMLNode* child = node->firstChild_; child != nullptr; child = child->nextSibling_)
-      pending.push_back(child);
-    node->firstChild_ = node->lastChild_ = nullptr;
+  while (node != nullptr) {
+    XMLNode* next = node->nextSibling_;
+    if (node->firstChild_ != nullptr) {
+      node->lastChild_->nextSibling_ = next;
+      next = node->firstChild_;
+      node->firstChild_ = node->lastChild_ = nullptr;
+    }
     delete node;
+    node = next;
   }
 }
 
@@ -119,7 +121,18 @@ XMLElement::~XMLElement() {
   }
 }
 
+namespace {
+
+// Up to this many attributes a walk of the list is cheaper than an index.
+constexpr unsigned kIndexedAttributeCount = 16;
+
+}  // namespace
+
 XMLAttribute* XMLElement::findAttribute(const char* name) const {
+  if (index_ != nullptr) {
+    auto found = index_->find(name);
+    return found == index_->end() ? nullptr : found->second;
+  }
   for (XMLAttribute* attribute = firstAttribute_; attribute != nullptr; attribute = attribute->next)
     if (std::strcmp(attribute->name, name) == 0) return attribute;
   return nullptr;
@@ -139,6 +152,12 @@ void XMLElement::setAttribute(char* name, char* value) {
     lastAttribute_->next = attribute;
   lastAttribute_ = attribute;
   ++attributeCount_;
+  if (index_ != nullptr) {
+    index_->emplace(attribute->name, attribute);
+  } else if (attributeCount_ > kIndexedAttributeCount) {
+    index_ = std::make_unique<std::unordered_map<std::string_view, XMLAttribute*>>();
+    for (XMLAttribute* a = firstAttribute_; a != nullptr; a = a->next) index_->emplace(a->name, a);
+  }
 }
 
 void XMLElement::setAttributeCopy(const char* name, const char* value) {
@@ -151,6 +170,7 @@ void XMLElement::removeAttribute(const char* name) {
   if (attribute == nullptr) return;
   (attribute->previous ? attribute->previous->next : firstAttribute_) = attribute->next;
   (attribute->next ? attribute->next->previous : lastAttribute_) = attribute->previous;
+  if (index_ != nullptr) index_->erase(attribute->name);
   freeXmlString(attribute->name);
   freeXmlString(attribute->value);
   delete attribute;

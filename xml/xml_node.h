@@ -4,7 +4,10 @@
 // empty: the writer prints both as "", but only a null value is left on the tag's line).
 #pragma once
 #include <cstdint>
+#include <memory>
 #include <string>
+#include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include <QString>
@@ -83,6 +86,10 @@ class XMLElement : public XMLNode {
   XMLAttribute* firstAttribute_ = nullptr;
   XMLAttribute* lastAttribute_ = nullptr;
   unsigned attributeCount_ = 0;
+  // Names to pairs, made once an element has many attributes, so that setting each
+  // of them doesn't search all the others: a tag with a million attributes would
+  // otherwise take quadratic time.
+  std::unique_ptr<std::unordered_map<std::string_view, XMLAttribute*>> index_;
 };
 
 class XMLData : public XMLNode {

@@ -12,12 +12,24 @@ namespace {
 
 // ASCII classes as the C locale's isspace, isalnum and isalpha see them; bytes from
 // 0x80 up belong to none of them.
-bool isSpace(unsigned char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
-bool isAlpha(unsigned char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
-bool isNameChar(unsigned char c) {
+constexpr bool isSpace(unsigned char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+constexpr bool isAlpha(unsigned char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
+constexpr bool isNameChar(unsigned char c) {
   return isAlpha(c) || (c >= '0' && c <= '9') || c == '_' || c == ':' || c == '-';
 }
 bool isAttributeStart(unsigned char c) { return isAlpha(c) || c == '_' || c == '-' || c == ':'; }
+
+// The byte classes as a table, for the loops that run over every byte of the text.
+enum ByteClass : uint8_t { kSpace = 1, kName = 2 };
+struct ByteClasses {
+  uint8_t of[256] = {};
+  constexpr ByteClasses() {
+    for (int c = 0; c < 256; ++c)
+      of[c] = static_cast<uint8_t>((isSpace(static_cast<unsigned char>(c)) ? kSpace : 0) |
+                                   (isNameChar(static_cast<unsigned char>(c)) ? kName : 0));
+  }
+};
+constexpr ByteClasses kByteClasses;
 
 // The value of a digit of a character reference: 0-9, then the letters from a on.
 // Upper-case letters are not part of the forms; we give them the values of their
@@ -116,13 +128,36 @@ class Parser {
   void stepOver(size_t count) {
     for (size_t i = 0; i < count; ++i) step();
   }
+  // The loops below do what repeated steps do, with the cursor and the line count in
+  // locals: a byte read through a char pointer may alias the members, which would
+  // otherwise be reloaded and stored again on every byte.
   void skipSpace() {
-    while (isSpace(at())) step();
+    const unsigned char* p = reinterpret_cast<const unsigned char*>(cursor_);
+    uint32_t line = line_;
+    while (kByteClasses.of[*p] & kSpace) line += *++p == '\n';
+    cursor_ = reinterpret_cast<const char*>(p);
+    line_ = line;
   }
+  // Name characters include no line feed, so no line is counted inside a name; the
+  // byte behind the name may be one.
   void readName() {
+    const unsigned char* p = reinterpret_cast<const unsigned char*>(cursor_);
     tokenStart_ = cursor_;
-    while (isNameChar(at())) step();
+    if (kByteClasses.of[*p] & kName) {
+      while (kByteClasses.of[*++p] & kName) {
+      }
+      line_ += *p == '\n';
+    }
+    cursor_ = reinterpret_cast<const char*>(p);
     tokenEnd_ = cursor_;
+  }
+  // Steps until the cursor stands on `stop` or on the terminating zero.
+  void scanTo(char stop) {
+    const char* p = cursor_;
+    uint32_t line = line_;
+    while (*p != stop && *p != '\0') line += *++p == '\n';
+    cursor_ = p;
+    line_ = line;
   }
   size_t tokenLength() const { return static_cast<size_t>(tokenEnd_ - tokenStart_); }
   bool tokenIsPrefixOf(const char* word) const {
@@ -191,10 +226,15 @@ Parser::Next Parser::processingInstruction() {
       step();
       skipSpace();
       char quote = static_cast<char>(at());
-      if (quote != '"' && quote != '\'') return Next::Stop;  // result null, status 0
+      if (quote != '"' && quote != '\'') {
+        // The parse ends at once and gives no root, even if one was closed before.
+        delete result_;
+        result_ = nullptr;
+        return Next::Stop;
+      }
       step();
       const char* valueStart = cursor_;
-      while (at() != '\0' && *cursor_ != quote) step();
+      scanTo(quote);
       char* value = copyXmlString(valueStart, static_cast<size_t>(cursor_ - valueStart));
       step();
       std::string_view name(nameStart, nameLength);
@@ -300,7 +340,7 @@ Parser::Next Parser::startTag() {
     if (quote != '"' && quote != '\'') continue;
     step();
     const char* valueStart = cursor_;
-    while (at() != '\0' && *cursor_ != quote) step();
+    scanTo(quote);
     const char* valueEnd = cursor_;
     step();
     skipSpace();
@@ -355,7 +395,7 @@ void Parser::linkToInnermost(XMLNode* node) { open_.back()->addChild(node); }
 Parser::Next Parser::text() {
   uint32_t startLine = line_;
   const char* start = cursor_;
-  while (at() != '<' && at() != '\0') step();
+  scanTo('<');
   if (keepText_ && !open_.empty()) {
     auto* data = new XMLData(decodeXmlToken(start, cursor_, true));
     data->setLine(startLine);
