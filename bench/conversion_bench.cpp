@@ -30,6 +30,7 @@ struct Timing {
 Timing timeCommand(const std::vector<std::string>& command, int repeats) {
   Timing best;
   for (int i = 0; i < repeats; ++i) {
+    std::fflush(stdout);  // the child must not inherit unwritten output
     auto start = std::chrono::steady_clock::now();
     pid_t child = fork();
     if (child == 0) {
@@ -125,8 +126,12 @@ void compare(const char* label, const fs::path& input, const std::string& regmil
 
 }  // namespace
 
+// Usage: conversion_bench [corpus-folder] [--keep-generated PATH]
 int main(int argc, char** argv) {
-  fs::path corpus = argc > 1 ? fs::path(argv[1]) : fs::path(REGMILL_SHARED_DIR) / "corpus";
+  fs::path corpus = argc > 1 && argv[1][0] != '-' ? fs::path(argv[1]) : fs::path(REGMILL_SHARED_DIR) / "corpus";
+  fs::path keep;
+  for (int i = 1; i + 1 < argc; ++i)
+    if (std::string(argv[i]) == "--keep-generated") keep = argv[i + 1];
   std::string regmill = REGMILL_BINARY;
   fs::path largest = largestSvd(corpus);
   std::string seed = largest.empty() ? readFile(fs::path(REGMILL_SOURCE_DIR) / "examples" / "widget.svd")
@@ -139,6 +144,9 @@ int main(int argc, char** argv) {
   fs::path generated = fs::temp_directory_path() / "regmill-bench-large.svd";
   std::ofstream(generated, std::ios::binary) << enlarge(seed, 40u << 20);
   compare("generated", generated, regmill, 3);
-  fs::remove(generated);
+  if (keep.empty())
+    fs::remove(generated);
+  else
+    fs::rename(generated, keep);
   return 0;
 }

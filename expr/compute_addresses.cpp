@@ -1,5 +1,8 @@
 #include "expr/compute_addresses.h"
 
+#include <string>
+#include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "base/parse_number.h"
@@ -9,15 +12,43 @@ namespace regmill {
 
 namespace {
 
-uint32_t evaluateText(const char* text, bool* ok) {
-  return static_cast<uint32_t>(sharedExpressionParser().evaluateUnsigned(QString::fromUtf8(text), ok));
-}
+// Address texts repeat all over a device (every peripheral's registers sit at the
+// same offsets, every field at the same few bit numbers), and the parser that knows
+// only numbers gives a text the same value every time. So each distinct text is
+// evaluated once during a walk; the cache goes with the walk.
+class TextEvaluator {
+ public:
+  uint32_t evaluate(const char* text, bool* ok) {
+    std::string_view key(text);
+    auto found = results_.find(key);
+    if (found == results_.end()) {
+      Result result;
+      result.value = static_cast<uint32_t>(
+          sharedExpressionParser().evaluateUnsigned(QString::fromUtf8(text), &result.ok));
+      found = results_.emplace(std::string(key), result).first;
+    }
+    *ok = found->second.ok;
+    return found->second.value;
+  }
+
+ private:
+  struct Result {
+    uint32_t value = 0;
+    bool ok = false;
+  };
+  struct TextHash {
+    using is_transparent = void;
+    size_t operator()(std::string_view text) const { return std::hash<std::string_view>{}(text); }
+  };
+  std::unordered_map<std::string, Result, TextHash, std::equal_to<>> results_;
+};
+
 
 // 0 for an empty text; otherwise the value, plus base when the text begins with "+".
-uint32_t startAddress(const char* text, uint32_t base) {
+uint32_t startAddress(const char* text, uint32_t base, TextEvaluator& evaluator) {
   if (text == nullptr || *text == '\0') return 0;
   bool ok = false;
-  uint32_t address = evaluateText(text, &ok);
+  uint32_t address = evaluator.evaluate(text, &ok);
   return text[0] == '+' ? address + base : address;
 }
 
@@ -28,25 +59,25 @@ bool isContainer(ElementKind kind) {
 bool isRegisterPart(ElementKind kind) { return kind == RegisterKind || kind == BitFieldKind || kind == EnumKind; }
 
 // Settles one element's address and size and gives the base for its children.
-uint32_t computeElement(MemoryMapElement& element, uint32_t base) {
+uint32_t computeElement(MemoryMapElement& element, uint32_t base, TextEvaluator& evaluator) {
   const ElementKind kind = element.kind();
   uint32_t childBase = base;
   if (element.hasAttribute("start")) {
     const char* start = element.getAttribute("start");
     if (isContainer(kind)) {
-      element.address = startAddress(start, base);
+      element.address = startAddress(start, base, evaluator);
       childBase = element.address;
     } else if (kind == RegisterKind) {
-      element.address = startAddress(start, base);
+      element.address = startAddress(start, base, evaluator);
     } else if (kind == BitFieldKind || kind == EnumKind) {
-      element.address = startAddress(start, 0);
+      element.address = startAddress(start, 0, evaluator);
     }
   }
   if (element.hasAttribute("size")) {
     const char* size = element.getAttribute("size");
     if (isContainer(kind)) {
       bool ok = false;
-      uint32_t value = size != nullptr ? evaluateText(size, &ok) : 0;
+      uint32_t value = size != nullptr ? evaluator.evaluate(size, &ok) : 0;
       if (ok) element.size = value;
     } else if (isRegisterPart(kind)) {
       element.size = static_cast<uint32_t>(parseNumber(size != nullptr ? size : ""));
@@ -61,12 +92,13 @@ uint32_t computeElement(MemoryMapElement& element, uint32_t base) {
 // that no depth of tree can exhaust the call stack.
 void computeAddresses(MemoryMapElement* element, uint32_t base) {
   if (element == nullptr) return;
+  TextEvaluator evaluator;
   struct Pending {
     XMLNode* next;  // the next sibling to handle
     uint32_t base;  // the base its parent settled
   };
   std::vector<Pending> stack;
-  stack.push_back({element->firstChild(), computeElement(*element, base)});
+  stack.push_back({element->firstChild(), computeElement(*element, base, evaluator)});
   while (!stack.empty()) {
     XMLNode* node = stack.back().next;
     if (node == nullptr) {
@@ -76,7 +108,7 @@ void computeAddresses(MemoryMapElement* element, uint32_t base) {
     stack.back().next = node->nextSibling();
     auto* child = dynamic_cast<MemoryMapElement*>(node);
     if (child == nullptr) continue;
-    uint32_t childBase = computeElement(*child, stack.back().base);
+    uint32_t childBase = computeElement(*child, stack.back().base, evaluator);
     stack.push_back({child->firstChild(), childBase});
   }
 }

@@ -3,7 +3,8 @@
 # benchmarks need and the machine lacks. Run as root.
 set -euo pipefail
 packages=(g++ cmake ninja-build pkg-config qt6-base-dev zlib1g-dev libbz2-dev
-          libgtest-dev googletest libbenchmark-dev clang libclang-rt-14-dev libxml2-utils)
+          libgoogle-perftools-dev libgtest-dev googletest libbenchmark-dev clang libclang-rt-14-dev
+          libxml2-utils)
 missing=()
 for package in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q "install ok installed" || missing+=("$package")

@@ -7,25 +7,44 @@
 
 namespace regmill {
 
-void appendEscaped(std::string& out, const char* text) {
+namespace {
+
+// Bytes that the writer can't print as they are: the four markup characters and
+// everything outside 0x20-0x7E.
+struct EscapeTable {
+  bool needed[256] = {};
+  constexpr EscapeTable() {
+    for (int c = 0; c < 256; ++c) needed[c] = c < 0x20 || c > 0x7E || c == '"' || c == '&' || c == '<' || c == '>';
+  }
+};
+constexpr EscapeTable kEscape;
+
+void appendEscapedByte(std::string& out, unsigned char c) {
   static const char kHexDigits[] = "0123456789abcdef";
-  for (const unsigned char* p = reinterpret_cast<const unsigned char*>(text); *p != 0; ++p) {
-    unsigned char c = *p;
-    switch (c) {
-      case '"': out += "&quot;"; continue;
-      case '&': out += "&amp;"; continue;
-      case '<': out += "&lt;"; continue;
-      case '>': out += "&gt;"; continue;
-      default: break;
-    }
-    if (c >= 0x20 && c <= 0x7E) {
-      out += static_cast<char>(c);
-    } else {
-      out += "&#x";
-      if (c >= 0x10) out += kHexDigits[c >> 4];
-      out += kHexDigits[c & 0xF];
-      out += ';';
-    }
+  switch (c) {
+    case '"': out += "&quot;"; return;
+    case '&': out += "&amp;"; return;
+    case '<': out += "&lt;"; return;
+    case '>': out += "&gt;"; return;
+    default: break;
+  }
+  out += "&#x";
+  if (c >= 0x10) out += kHexDigits[c >> 4];
+  out += kHexDigits[c & 0xF];
+  out += ';';
+}
+
+}  // namespace
+
+void appendEscaped(std::string& out, const char* text) {
+  // Runs of bytes that print as they are go out in one piece.
+  const unsigned char* p = reinterpret_cast<const unsigned char*>(text);
+  while (*p != 0) {
+    const unsigned char* run = p;
+    while (*p != 0 && !kEscape.needed[*p]) ++p;
+    out.append(reinterpret_cast<const char*>(run), static_cast<size_t>(p - run));
+    if (*p == 0) break;
+    appendEscapedByte(out, *p++);
   }
 }
 
