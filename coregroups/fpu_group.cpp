@@ -1,6 +1,5 @@
 #include "coregroups/fpu_group.h"
 
-#include "coregroups/element_builders.h"
 #include "coregroups/register_table.h"
 
 namespace regmill {
@@ -49,11 +48,8 @@ constexpr RegisterRow kRegisters[] = {
 }  // namespace
 
 MemoryMapElement* addFPUGroup(SVDFile& file, int32_t core, bool nonSecure) {
-  MemoryMapElement* root = file.root();
-  if (root == nullptr) return nullptr;
-  MemoryMapElement* group = addGroupElement(file, root, hexAddress(0xe000ef34, nonSecure).c_str(), nullptr,
-                                            nonSecureName("FPU", nonSecure).c_str(), "Floating Point Unit");
-  addRegisterRows(file, group, kRegisters, CoreVariant{core, file.hasVTOR, 0, nonSecure});
+  MemoryMapElement* group = addCoreGroup(file, "FPU", 0xe000ef34, "Floating Point Unit", nonSecure);
+  if (group != nullptr) addRegisterRows(file, group, kRegisters, CoreVariant{.core = core, .nonSecure = nonSecure});
   return group;
 }
 

@@ -83,14 +83,14 @@ constexpr RegisterRow kArmv8MRegisters[] = {
 }  // namespace
 
 MemoryMapElement* addMPUGroup(SVDFile& file, int32_t core, bool nonSecure) {
-  MemoryMapElement* root = file.root();
-  if (root == nullptr) return nullptr;
-  MemoryMapElement* group = addGroupElement(file, root, hexAddress(0xe000ed90, nonSecure).c_str(), nullptr,
-                                            nonSecureName("MPU", nonSecure).c_str(), "Memory Protection Unit");
-  CoreVariant variant{core, file.hasVTOR, 0, nonSecure};
-  bool armv8M = core == 23 || core == 33;
+  MemoryMapElement* group = addCoreGroup(file, "MPU", 0xe000ed90, "Memory Protection Unit", nonSecure);
+  if (group == nullptr) return nullptr;
+  CoreVariant variant{.core = core, .nonSecure = nonSecure};
   addRegisterRows(file, group, kCommonRegisters, variant);
-  addRegisterRows(file, group, armv8M ? std::span<const RegisterRow>(kArmv8MRegisters) : kArmv7MRegisters, variant);
+  if (hasSecurityExtension(core))
+    addRegisterRows(file, group, kArmv8MRegisters, variant);
+  else
+    addRegisterRows(file, group, kArmv7MRegisters, variant);
   return group;
 }
 

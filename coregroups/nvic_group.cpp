@@ -10,39 +10,28 @@ namespace regmill {
 namespace {
 
 constexpr uint32_t kNVICBase = 0xE000E100;
-constexpr uint32_t kPriorityBase = 0xE000E400;
 
-struct BitRow {
+// A run of registers in which each interrupt owns a slot of slotBits bits: one bit in
+// the enable, pending, active and target rows, one byte in the priority row.
+struct RegisterRun {
   const char* stem;
-  uint32_t offset;  // from kNVICBase
+  uint32_t base;
   const char* description;
   const char* access;
+  int32_t slotBits;
 };
 
 // The interrupt target row comes last: only the secure NVIC of an Armv8-M core with
 // the security extension has it.
-constexpr BitRow kBitRows[] = {
-    {"ISER", 0x000, "Interrupt Set-Enable Register", nullptr},
-    {"ICER", 0x080, "Interrupt Clear-Enable Register", nullptr},
-    {"ISPR", 0x100, "Interrupt Set-Pending Register", nullptr},
-    {"ICPR", 0x180, "Interrupt Clear-Pending Register", nullptr},
-    {"IABR", 0x200, "Interrupt Active Bit Register", kReadOnly},
-    {"ITNS", 0x280, "Interrupt Target Non-secure Register", nullptr},
+constexpr RegisterRun kBitRuns[] = {
+    {"ISER", kNVICBase + 0x000, "Interrupt Set-Enable Register", nullptr, 1},
+    {"ICER", kNVICBase + 0x080, "Interrupt Clear-Enable Register", nullptr, 1},
+    {"ISPR", kNVICBase + 0x100, "Interrupt Set-Pending Register", nullptr, 1},
+    {"ICPR", kNVICBase + 0x180, "Interrupt Clear-Pending Register", nullptr, 1},
+    {"IABR", kNVICBase + 0x200, "Interrupt Active Bit Register", kReadOnly, 1},
+    {"ITNS", kNVICBase + 0x280, "Interrupt Target Non-secure Register", nullptr, 1},
 };
-
-bool hasSecurityExtension(int32_t core) { return core == 23 || core == 33; }
-
-// The NVIC's registers carry their description before their address.
-MemoryMapElement* addNVICRegister(MemoryMap& map, MemoryMapElement* group, const std::string& name,
-                                  const char* description, uint32_t address, const char* access) {
-  MemoryMapElement* element = map.newElement("Register");
-  group->addChild(element);
-  element->setAttributeCopy("name", name.c_str());
-  if (description != nullptr) element->setAttributeCopy("description", description);
-  element->setAttributeCopy("start", paddedHexAddress(address).c_str());
-  if (access != nullptr) element->setAttributeCopy("access", access);
-  return element;
-}
+constexpr RegisterRun kPriorityRun{"IPR", 0xE000E400, "Interrupt Priority Register", nullptr, 8};
 
 // The name of interrupt i, looked up irqStart entries further on; an entry beyond
 // the table counts as empty.
@@ -60,45 +49,41 @@ struct NVICLayout {
   bool withDescription;
   bool nonSecure;
   int32_t lastInterrupt;
-
-  uint32_t place(uint32_t address) const { return nonSecure ? address + kNonSecureAliasOffset : address; }
-  std::string name(const char* stem, int32_t number) const {
-    return nonSecureName(("NVIC_" + std::string(stem) + std::to_string(number)).c_str(), nonSecure);
-  }
 };
 
-void addBitRow(const NVICLayout& layout, const BitRow& row) {
-  MemoryMapElement* current = nullptr;
-  for (int32_t i = 0; i <= layout.lastInterrupt; ++i) {
-    if (i % 32 == 0) {
-      int32_t number = i / 32;
-      std::string description = std::string(row.description) + " " + std::to_string(number);
-      current = addNVICRegister(layout.file, layout.group, layout.name(row.stem, number),
-                                layout.withDescription ? description.c_str() : nullptr,
-                                layout.place(kNVICBase + row.offset + static_cast<uint32_t>(number) * 4), row.access);
-    }
-    if (const char* name = interruptNameAt(layout.file, layout.irqStart, i))
-      addFieldElement(layout.file, current, std::to_string(i % 32).c_str(), "1", name, nullptr);
-  }
+// The NVIC's registers carry their description before their address.
+MemoryMapElement* addRunRegister(const NVICLayout& layout, const RegisterRun& run, int32_t number) {
+  MemoryMapElement* element = layout.file.newElement("Register");
+  layout.group->addChild(element);
+  std::string name = "NVIC_" + std::string(run.stem) + std::to_string(number);
+  element->setAttributeCopy("name", nonSecureName(name.c_str(), layout.nonSecure).c_str());
+  if (layout.withDescription)
+    element->setAttributeCopy("description", (std::string(run.description) + " " + std::to_string(number)).c_str());
+  uint32_t address = run.base + static_cast<uint32_t>(number) * 4;
+  if (layout.nonSecure) address += kNonSecureAliasOffset;
+  element->setAttributeCopy("start", paddedHexAddress(address).c_str());
+  if (run.access != nullptr) element->setAttributeCopy("access", run.access);
+  return element;
 }
 
-void addPriorityRegisters(const NVICLayout& layout) {
+// The field fills the top of the interrupt's slot: the whole bit, or the top prioBits
+// bits of the priority byte. Computed wide, so that more priority bits than a byte
+// holds give a plain negative start.
+void addInterruptField(const NVICLayout& layout, MemoryMapElement* registerElement, const RegisterRun& run,
+                       int32_t interrupt, const char* name) {
+  int64_t width = run.slotBits == 1 ? 1 : int64_t{layout.prioBits};
+  int64_t start = int64_t{interrupt % (32 / run.slotBits)} * run.slotBits + run.slotBits - width;
+  addFieldElement(layout.file, registerElement, std::to_string(start).c_str(), std::to_string(width).c_str(), name,
+                  nullptr);
+}
+
+void addRun(const NVICLayout& layout, const RegisterRun& run) {
+  const int32_t perRegister = 32 / run.slotBits;
   MemoryMapElement* current = nullptr;
-  std::string size = std::to_string(layout.prioBits);
   for (int32_t i = 0; i <= layout.lastInterrupt; ++i) {
-    if (i % 4 == 0) {
-      int32_t number = i / 4;
-      std::string description = "Interrupt Priority Register " + std::to_string(number);
-      current = addNVICRegister(layout.file, layout.group, layout.name("IPR", number),
-                                layout.withDescription ? description.c_str() : nullptr,
-                                layout.place(kPriorityBase + static_cast<uint32_t>(number) * 4), nullptr);
-    }
-    if (const char* name = interruptNameAt(layout.file, layout.irqStart, i)) {
-      // The field holds the top prioBits bits of the interrupt's byte; computed wide so
-      // that more bits than a byte holds give a plain negative start.
-      int64_t start = int64_t{i % 4} * 8 + 8 - int64_t{layout.prioBits};
-      addFieldElement(layout.file, current, std::to_string(start).c_str(), size.c_str(), name, nullptr);
-    }
+    if (i % perRegister == 0) current = addRunRegister(layout, run, i / perRegister);
+    if (const char* name = interruptNameAt(layout.file, layout.irqStart, i))
+      addInterruptField(layout, current, run, i, name);
   }
 }
 
@@ -116,9 +101,9 @@ MemoryMapElement* addNVICGroup(SVDFile& file, int32_t core, uint32_t prioBits, u
 
   NVICLayout layout{file,     group,     prioBits, irqStart, withDescription,
                     nonSecure, std::min(file.highestInterrupt, kLastNVICInterrupt)};
-  size_t rowsInUse = hasSecurityExtension(core) && !nonSecure ? 6 : 5;
-  for (size_t row = 0; row < rowsInUse; ++row) addBitRow(layout, kBitRows[row]);
-  addPriorityRegisters(layout);
+  size_t runsInUse = hasSecurityExtension(core) && !nonSecure ? 6 : 5;
+  for (size_t run = 0; run < runsInUse; ++run) addRun(layout, kBitRuns[run]);
+  addRun(layout, kPriorityRun);
   return group;
 }
 

@@ -28,21 +28,31 @@ void addField(MemoryMap& map, MemoryMapElement* registerElement, const FieldRow&
   addFieldElement(map, registerElement, start.c_str(), size.c_str(), field.name, field.description);
 }
 
-MemoryMapElement* addRegister(MemoryMap& map, MemoryMapElement* group, const RegisterRow& row,
-                              const CoreVariant& variant) {
-  bool aliased = row.placement == Placement::Aliased;
-  std::string name = aliased ? nonSecureName(row.name, variant.nonSecure) : std::string(row.name);
-  std::string start = aliased ? hexAddress(row.address, variant.nonSecure) : paddedHexAddress(row.address);
-  return addRegisterElement(map, group, start.c_str(), row.size, row.access, name.c_str(), row.description);
+std::string placedName(const char* name, bool nonSecure, Placement placement) {
+  return placement == Placement::Aliased ? nonSecureName(name, nonSecure) : std::string(name);
+}
+
+std::string placedStart(uint32_t address, bool nonSecure, Placement placement) {
+  return placement == Placement::Aliased ? hexAddress(address, nonSecure) : paddedHexAddress(address);
 }
 
 }  // namespace
 
+MemoryMapElement* addCoreGroup(MemoryMap& map, const char* name, uint32_t address, const char* description,
+                               bool nonSecure, Placement placement) {
+  MemoryMapElement* root = map.root();
+  if (root == nullptr) return nullptr;
+  return addGroupElement(map, root, placedStart(address, nonSecure, placement).c_str(), nullptr,
+                         placedName(name, nonSecure, placement).c_str(), description);
+}
+
 void addRegisterRows(MemoryMap& map, MemoryMapElement* group, std::span<const RegisterRow> rows,
-                     const CoreVariant& variant) {
+                     const CoreVariant& variant, Placement placement) {
   for (const RegisterRow& row : rows) {
     if (!holds(row.exists, variant)) continue;
-    MemoryMapElement* registerElement = addRegister(map, group, row, variant);
+    MemoryMapElement* registerElement =
+        addRegisterElement(map, group, placedStart(row.address, variant.nonSecure, placement).c_str(), row.size,
+                           row.access, placedName(row.name, variant.nonSecure, placement).c_str(), row.description);
     for (const FieldRow& field : row.fields)
       if (holds(field.exists, variant)) addField(map, registerElement, field, variant);
   }

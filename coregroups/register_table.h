@@ -24,17 +24,17 @@ using CoreCondition = bool (*)(const CoreVariant&);
 // of the byte below `bit`, so its start is bit - prioBits.
 constexpr uint8_t kPriorityWidth = 0;
 
+enum class Placement : uint8_t {
+  Aliased,  // name and address move to the non-secure alias
+  Fixed,    // plain name and "0x%08X" address, the same in both groups
+};
+
 struct FieldRow {
   const char* name;
   uint8_t bit;
   uint8_t width;  // kPriorityWidth for a priority field
   const char* description;
   CoreCondition exists = nullptr;
-};
-
-enum class Placement : uint8_t {
-  Aliased,  // name and address move to the non-secure alias
-  Fixed,    // plain name and "0x%08X" address, the same in both groups
 };
 
 struct RegisterRow {
@@ -45,12 +45,16 @@ struct RegisterRow {
   const char* description;
   std::span<const FieldRow> fields;
   CoreCondition exists = nullptr;
-  Placement placement = Placement::Aliased;
 };
+
+// Appends a group of core registers to the root and returns it, or null if the
+// document has no root.
+MemoryMapElement* addCoreGroup(MemoryMap& map, const char* name, uint32_t address, const char* description,
+                               bool nonSecure, Placement placement = Placement::Aliased);
 
 // Appends the rows that exist for the variant to the group, each with its fields in
 // the order of the table.
 void addRegisterRows(MemoryMap& map, MemoryMapElement* group, std::span<const RegisterRow> rows,
-                     const CoreVariant& variant);
+                     const CoreVariant& variant, Placement placement = Placement::Aliased);
 
 }  // namespace regmill

@@ -1,6 +1,5 @@
 #include "coregroups/sau_group.h"
 
-#include "coregroups/element_builders.h"
 #include "coregroups/register_table.h"
 
 namespace regmill {
@@ -37,27 +36,21 @@ constexpr FieldRow kSecureFaultStatusFields[] = {
 };
 
 constexpr RegisterRow kRegisters[] = {
-    {"SAU_CTRL", 0xE000EDD0, nullptr, nullptr, "SAU Control Register", kControlFields, nullptr, Placement::Fixed},
-    {"SAU_TYPE", 0xE000EDD4, nullptr, nullptr, "SAU Type Register", kTypeFields, nullptr, Placement::Fixed},
-    {"SAU_RNR", 0xE000EDD8, nullptr, nullptr, "SAU Region Number Register", kRegionNumberFields, nullptr,
-     Placement::Fixed},
-    {"SAU_RBAR", 0xE000EDDC, nullptr, nullptr, "SAU Region Base Address Register", kBaseAddressFields, nullptr,
-     Placement::Fixed},
-    {"SAU_RLAR", 0xE000EDE0, nullptr, nullptr, "SAU Region Limit Address Register", kLimitAddressFields, nullptr,
-     Placement::Fixed},
-    {"SFSR", 0xE000EDE4, nullptr, nullptr, "Secure Fault Status Register", kSecureFaultStatusFields, nullptr,
-     Placement::Fixed},
-    {"SFAR", 0xE000EDE8, nullptr, nullptr, "Secure Fault Address Register", {}, nullptr, Placement::Fixed},
+    {"SAU_CTRL", 0xE000EDD0, nullptr, nullptr, "SAU Control Register", kControlFields},
+    {"SAU_TYPE", 0xE000EDD4, nullptr, nullptr, "SAU Type Register", kTypeFields},
+    {"SAU_RNR", 0xE000EDD8, nullptr, nullptr, "SAU Region Number Register", kRegionNumberFields},
+    {"SAU_RBAR", 0xE000EDDC, nullptr, nullptr, "SAU Region Base Address Register", kBaseAddressFields},
+    {"SAU_RLAR", 0xE000EDE0, nullptr, nullptr, "SAU Region Limit Address Register", kLimitAddressFields},
+    {"SFSR", 0xE000EDE4, nullptr, nullptr, "Secure Fault Status Register", kSecureFaultStatusFields},
+    {"SFAR", 0xE000EDE8, nullptr, nullptr, "Secure Fault Address Register", {}},
 };
 
 }  // namespace
 
 MemoryMapElement* addSAUGroup(SVDFile& file) {
-  MemoryMapElement* root = file.root();
-  if (root == nullptr) return nullptr;
   MemoryMapElement* group =
-      addGroupElement(file, root, paddedHexAddress(0xE000EDD0).c_str(), nullptr, "SAU", "Security Attribution Unit");
-  addRegisterRows(file, group, kRegisters, CoreVariant{});
+      addCoreGroup(file, "SAU", 0xE000EDD0, "Security Attribution Unit", false, Placement::Fixed);
+  if (group != nullptr) addRegisterRows(file, group, kRegisters, CoreVariant{}, Placement::Fixed);
   return group;
 }
 

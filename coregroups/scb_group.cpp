@@ -8,12 +8,15 @@ namespace regmill {
 namespace {
 
 // Which cores have a register or field.
-bool core0(const CoreVariant& v) { return v.core == 0; }
 bool notCore0(const CoreVariant& v) { return v.core != 0; }
 bool core7(const CoreVariant& v) { return v.core == 7; }
 bool core33(const CoreVariant& v) { return v.core == 33; }
+bool core4(const CoreVariant& v) { return v.core == 4; }
+bool core4or33(const CoreVariant& v) { return v.core == 4 || v.core == 33; }
 bool core7or33(const CoreVariant& v) { return v.core == 7 || v.core == 33; }
-bool securityExtension(const CoreVariant& v) { return v.core == 23 || v.core == 33; }
+bool notCore7or23(const CoreVariant& v) { return v.core != 7 && v.core != 23; }
+bool securityExtension(const CoreVariant& v) { return hasSecurityExtension(v.core); }
+bool armv7MBesides7(const CoreVariant& v) { return v.core != 7 && !securityExtension(v); }
 bool cacheCores(const CoreVariant& v) { return v.core == 7 || securityExtension(v); }
 bool coprocessorAccessCores(const CoreVariant& v) { return v.core == 4 || core7or33(v); }
 bool lazyStackingCores(const CoreVariant& v) { return v.core >= 4; }
@@ -27,52 +30,27 @@ constexpr FieldRow kInterruptControllerTypeFields[] = {
     {"INTLINESNUM", 0, 4, "Total number of interrupt lines in groups of 32"},
 };
 
-// The auxiliary control register is implementation defined, so each core has its own.
-constexpr FieldRow kCortexM7AuxiliaryFields[] = {
-    {"DISDYNADD", 26, 1, "Disables dynamic allocation of ADD and SUB instructions"},
-    {"DISISSCH1", 21, 5, "Disables direct issue to pipeline 1 for classes of instructions"},
-    {"DISDI", 16, 5, "Disables dual-issue for classes of instructions"},
-    {"DISCRITAXIRUR", 15, 1, "Disables critical AXI Read-Under-Read"},
-    {"DISBTACALLOC", 14, 1, "Disables allocation in the branch target address cache"},
-    {"DISBTACREAD", 13, 1, "Disables reads from the branch target address cache"},
-    {"DISITMATBFLUSH", 12, 1, "Disables ITM and DWT ATB flush"},
-    {"DISRAMODE", 11, 1, "Disables dynamic read allocate mode for Write-Back Write-Allocate memory regions"},
-    {"FPEXCODIS", 10, 1, "Disables floating-point exception outputs"},
-    {"DISFOLD", 2, 1, "Disables dual-issue functionality"},
+// The auxiliary control register is implementation defined: each core has its own
+// choice of these bits, and bit 2 means something else on core 7.
+constexpr FieldRow kAuxiliaryControlFields[] = {
+    {"EXTEXCLALL", 29, 1, "Allows external exclusive operations without an MPU", securityExtension},
+    {"DISDYNADD", 26, 1, "Disables dynamic allocation of ADD and SUB instructions", core7},
+    {"DISISSCH1", 21, 5, "Disables direct issue to pipeline 1 for classes of instructions", core7},
+    {"DISDI", 16, 5, "Disables dual-issue for classes of instructions", core7},
+    {"DISCRITAXIRUR", 15, 1, "Disables critical AXI Read-Under-Read", core7},
+    {"DISBTACALLOC", 14, 1, "Disables allocation in the branch target address cache", core7},
+    {"DISBTACREAD", 13, 1, "Disables reads from the branch target address cache", core7},
+    {"DISITMATBFLUSH", 12, 1, "Disables ITM and DWT ATB flush", core7or33},
+    {"DISRAMODE", 11, 1, "Disables dynamic read allocate mode for Write-Back Write-Allocate memory regions", core7},
+    {"FPEXCODIS", 10, 1, "Disables floating-point exception outputs", core7or33},
+    {"DISOOFP", 9, 1, "Disables floating-point instructions completing out of order with respect to integer instructions",
+     core4or33},
+    {"DISFPCA", 8, 1, "Disables automatic update of CONTROL.FPCA", core4},
+    {"DISFOLD", 2, 1, "Disables dual-issue functionality", core7},
+    {"DISFOLD", 2, 1, "Disables IT folding", notCore7or23},
+    {"DISDEFWBUF", 1, 1, "Disables write buffer use during default memory map accesses", armv7MBesides7},
+    {"DISMCYCINT", 0, 1, "Disables interruption of multi-cycle instructions", notCore7or23},
 };
-constexpr FieldRow kCortexM23AuxiliaryFields[] = {
-    {"EXTEXCLALL", 29, 1, "Allows external exclusive operations without an MPU"},
-};
-constexpr FieldRow kCortexM33AuxiliaryFields[] = {
-    {"EXTEXCLALL", 29, 1, "Allows external exclusive operations without an MPU"},
-    {"DISITMATBFLUSH", 12, 1, "Disables ITM and DWT ATB flush"},
-    {"FPEXCODIS", 10, 1, "Disables floating-point exception outputs"},
-    {"DISOOFP", 9, 1, "Disables floating-point instructions completing out of order with respect to integer instructions"},
-    {"DISFOLD", 2, 1, "Disables IT folding"},
-    {"DISMCYCINT", 0, 1, "Disables interruption of multi-cycle instructions"},
-};
-constexpr FieldRow kCortexM4AuxiliaryFields[] = {
-    {"DISOOFP", 9, 1, "Disables floating-point instructions completing out of order with respect to integer instructions"},
-    {"DISFPCA", 8, 1, "Disables automatic update of CONTROL.FPCA"},
-    {"DISFOLD", 2, 1, "Disables IT folding"},
-    {"DISDEFWBUF", 1, 1, "Disables write buffer use during default memory map accesses"},
-    {"DISMCYCINT", 0, 1, "Disables interruption of multi-cycle instructions"},
-};
-constexpr FieldRow kArmv7MAuxiliaryFields[] = {
-    {"DISFOLD", 2, 1, "Disables IT folding"},
-    {"DISDEFWBUF", 1, 1, "Disables write buffer use during default memory map accesses"},
-    {"DISMCYCINT", 0, 1, "Disables interruption of multi-cycle instructions"},
-};
-
-std::span<const FieldRow> auxiliaryControlFields(int32_t core) {
-  switch (core) {
-    case 7: return kCortexM7AuxiliaryFields;
-    case 23: return kCortexM23AuxiliaryFields;
-    case 33: return kCortexM33AuxiliaryFields;
-    case 4: return kCortexM4AuxiliaryFields;
-    default: return kArmv7MAuxiliaryFields;
-  }
-}
 
 constexpr FieldRow kCPUIDFields[] = {
     {"IMPLEMENTER", 24, 8, "Implementer code"},
@@ -293,15 +271,12 @@ constexpr FieldRow kArmv6MHandlerControlStateFields[] = {
     {"SVCALLPENDED", 15, 1, "SVCall pending bit"},
 };
 
-constexpr RegisterRow kInterruptControllerType[] = {
-    {"ICTR", 0xe000e004, nullptr, nullptr, "Interrupt Controller Type Register", kInterruptControllerTypeFields, notCore0},
-};
-
 constexpr std::span<const FieldRow> kNoFields{};
 
-// Everything behind the auxiliary control register, in address order, then the blocks
-// that end the group for core 7 and for core 0.
+// The system control space in address order.
 constexpr RegisterRow kSystemControlRows[] = {
+    {"ICTR", 0xe000e004, nullptr, nullptr, "Interrupt Controller Type Register", kInterruptControllerTypeFields, notCore0},
+    {"ACTLR", 0xe000e008, nullptr, nullptr, "Auxiliary Control Register", kAuxiliaryControlFields, notCore0},
     {"CPPWR", 0xe000e00c, nullptr, nullptr,
      "Specifies whether coprocessors are permitted to enter a non-retentive power state", kNoFields, core33},
     {"CPUID", 0xe000ed00, nullptr, kReadOnly, "CPUID Register", kCPUIDFields},
@@ -345,47 +320,40 @@ constexpr RegisterRow kSystemControlRows[] = {
     {"CPACR", 0xe000ed88, nullptr, nullptr, "Coprocessor Access Control Register", kCoprocessorAccessFields,
      coprocessorAccessCores},
     {"NSACR", 0xe000ed8c, nullptr, nullptr, "Non-secure Access Control Register", kNonSecureAccessFields, secureCore33},
+};
 
+// The Cortex-M7's implementation registers end its group; they have no alias.
+constexpr RegisterRow kCortexM7Rows[] = {
     {"CM7_ITCMCR", 0xE000EF90, nullptr, nullptr, "Instruction Tightly-Coupled Memory Control",
-     kTightlyCoupledMemoryFields, core7, Placement::Fixed},
-    {"CM7_DTCMCR", 0xE000EF94, nullptr, nullptr, "Data Tightly-Coupled Memory Control", kTightlyCoupledMemoryFields,
-     core7, Placement::Fixed},
-    {"CM7_AHBPCR", 0xE000EF98, nullptr, nullptr, "AHBP Control Register", kAHBPControlFields, core7, Placement::Fixed},
-    {"CM7_CACR", 0xE000EF9C, nullptr, nullptr, "L1 Cache Control Register", kL1CacheControlFields, core7,
-     Placement::Fixed},
-    {"CM7_AHBSCR", 0xE000EFA0, nullptr, nullptr, "AHB Slave Control Register", kAHBSlaveControlFields, core7,
-     Placement::Fixed},
-    {"CM7_ABFSR", 0xE000EFA8, nullptr, nullptr, "Auxilliary Bus Fault Status Register", kAuxiliaryBusFaultStatusFields,
-     core7, Placement::Fixed},
-    {"IEBR0", 0xE000EFB0, nullptr, nullptr, "Instruction Error bank Register 0", kErrorBankFields, core7,
-     Placement::Fixed},
-    {"IEBR1", 0xE000EFB4, nullptr, nullptr, "Instruction Error bank Register 1", kErrorBankFields, core7,
-     Placement::Fixed},
-    {"DEBR0", 0xE000EFB8, nullptr, nullptr, "Data Error bank Register 0", kErrorBankFields, core7, Placement::Fixed},
-    {"DEBR1", 0xE000EFBC, nullptr, nullptr, "Data Error bank Register 1", kErrorBankFields, core7, Placement::Fixed},
+     kTightlyCoupledMemoryFields},
+    {"CM7_DTCMCR", 0xE000EF94, nullptr, nullptr, "Data Tightly-Coupled Memory Control", kTightlyCoupledMemoryFields},
+    {"CM7_AHBPCR", 0xE000EF98, nullptr, nullptr, "AHBP Control Register", kAHBPControlFields},
+    {"CM7_CACR", 0xE000EF9C, nullptr, nullptr, "L1 Cache Control Register", kL1CacheControlFields},
+    {"CM7_AHBSCR", 0xE000EFA0, nullptr, nullptr, "AHB Slave Control Register", kAHBSlaveControlFields},
+    {"CM7_ABFSR", 0xE000EFA8, nullptr, nullptr, "Auxilliary Bus Fault Status Register", kAuxiliaryBusFaultStatusFields},
+    {"IEBR0", 0xE000EFB0, nullptr, nullptr, "Instruction Error bank Register 0", kErrorBankFields},
+    {"IEBR1", 0xE000EFB4, nullptr, nullptr, "Instruction Error bank Register 1", kErrorBankFields},
+    {"DEBR0", 0xE000EFB8, nullptr, nullptr, "Data Error bank Register 0", kErrorBankFields},
+    {"DEBR1", 0xE000EFBC, nullptr, nullptr, "Data Error bank Register 1", kErrorBankFields},
+};
 
-    // Armv6-M has no fault status registers; its handler control and debug fault
-    // status registers close the group.
+// Armv6-M has no fault status registers; its handler control and debug fault status
+// registers close the group.
+constexpr RegisterRow kArmv6MClosingRows[] = {
     {"SHCSR", 0xE000ED24, nullptr, nullptr, "System Handler Control and State Register",
-     kArmv6MHandlerControlStateFields, core0, Placement::Fixed},
-    {"DFSR", 0xE000ED30, nullptr, nullptr, "Debug Fault Status Register", kDebugFaultStatusFields, core0,
-     Placement::Fixed},
+     kArmv6MHandlerControlStateFields},
+    {"DFSR", 0xE000ED30, nullptr, nullptr, "Debug Fault Status Register", kDebugFaultStatusFields},
 };
 
 }  // namespace
 
 MemoryMapElement* addSCBGroup(SVDFile& file, int32_t core, uint32_t prioBits, bool nonSecure) {
-  MemoryMapElement* root = file.root();
-  if (root == nullptr) return nullptr;
-  MemoryMapElement* group = addGroupElement(file, root, hexAddress(0xe000e000, nonSecure).c_str(), nullptr,
-                                            nonSecureName("SCB", nonSecure).c_str(), "System Control Block");
+  MemoryMapElement* group = addCoreGroup(file, "SCB", 0xe000e000, "System Control Block", nonSecure);
+  if (group == nullptr) return nullptr;
   CoreVariant variant{core, file.hasVTOR, prioBits, nonSecure};
-  const RegisterRow auxiliaryControl[] = {
-      {"ACTLR", 0xe000e008, nullptr, nullptr, "Auxiliary Control Register", auxiliaryControlFields(core), notCore0},
-  };
-  addRegisterRows(file, group, kInterruptControllerType, variant);
-  addRegisterRows(file, group, auxiliaryControl, variant);
   addRegisterRows(file, group, kSystemControlRows, variant);
+  if (core == 7) addRegisterRows(file, group, kCortexM7Rows, variant, Placement::Fixed);
+  if (core == 0) addRegisterRows(file, group, kArmv6MClosingRows, variant, Placement::Fixed);
   return group;
 }
 

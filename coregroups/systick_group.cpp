@@ -35,13 +35,8 @@ constexpr RegisterRow kRegisters[] = {
 }  // namespace
 
 MemoryMapElement* addSysTickGroup(SVDFile& file, bool nonSecure) {
-  MemoryMapElement* root = file.root();
-  if (root == nullptr) return nullptr;
-  MemoryMapElement* group = addGroupElement(file, root, hexAddress(0xe000e010, nonSecure).c_str(), nullptr,
-                                            nonSecureName("SysTick", nonSecure).c_str(), "24-bit System Timer");
-  CoreVariant variant;
-  variant.nonSecure = nonSecure;
-  addRegisterRows(file, group, kRegisters, variant);
+  MemoryMapElement* group = addCoreGroup(file, "SysTick", 0xe000e010, "24-bit System Timer", nonSecure);
+  if (group != nullptr) addRegisterRows(file, group, kRegisters, CoreVariant{.nonSecure = nonSecure});
   return group;
 }
 

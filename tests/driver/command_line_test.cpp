@@ -59,11 +59,5 @@ TEST(CommandLine, SwitchesSetFlagsAndDefaultsHold) {
   EXPECT_TRUE(line.options.inputIsRDT && line.options.inputIsTCF);
 }
 
-TEST(CommandLine, MissingValueStopsAtOnce) {
-  CommandLine line = read({"-nvic"});
-  ASSERT_NE(line.missingValueMessage, nullptr);
-  EXPECT_STREQ(line.missingValueMessage, "Num prioirty bits required for -nvic option\n");
-}
-
 }  // namespace
 }  // namespace regmill

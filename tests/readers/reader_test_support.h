@@ -1,7 +1,9 @@
-// Shared by the reader tests: a scratch folder for input files and the text that
-// the memory-map writer makes of a document (indentation 2, no line-length limit).
+// Shared by the reader tests, the SVD ones among them: scratch input files, and the
+// text that the memory-map writer makes of a document (indentation 2, no line-length
+// limit).
 #pragma once
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -9,46 +11,30 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include "xml/xml_document.h"
+#include "memorymap/svd_file.h"
 
 namespace regmill {
 
-class ScratchFolder {
- public:
-  ScratchFolder() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "regmill-readers-XXXXXX").string();
-    if (mkdtemp(pattern.data()) != nullptr) path_ = pattern;
+// A new file under the temporary folder holding the bytes as given, removed at the
+// end of its scope.
+struct ScratchFile {
+  explicit ScratchFile(const std::string& contents) {
+    close(mkstemp(path.data()));
+    std::ofstream(path, std::ios::binary) << contents;
   }
-  ~ScratchFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
-  }
-  ScratchFolder(const ScratchFolder&) = delete;
-  ScratchFolder& operator=(const ScratchFolder&) = delete;
-
-  const std::filesystem::path& path() const { return path_; }
-
-  // Writes the bytes as they are (binary) and returns the file's full path.
-  std::string write(const std::string& name, const std::string& contents) const {
-    std::filesystem::path file = path_ / name;
-    std::ofstream(file, std::ios::binary) << contents;
-    return file.string();
-  }
-
- private:
-  std::filesystem::path path_;
+  ~ScratchFile() { std::remove(path.c_str()); }
+  std::string path = (std::filesystem::temp_directory_path() / "regmill-test-XXXXXX").string();
 };
 
+// The written text of the document, its root and everything under it.
 inline std::string writtenText(XMLDocument& document) {
-  std::FILE* stream = std::tmpfile();
-  if (stream == nullptr) return "(no temporary file)";
+  char* bytes = nullptr;
+  size_t size = 0;
+  std::FILE* stream = open_memstream(&bytes, &size);
   document.write(stream, 2, 0);
-  std::string text;
-  std::rewind(stream);
-  char block[4096];
-  size_t got;
-  while ((got = std::fread(block, 1, sizeof block, stream)) > 0) text.append(block, got);
   std::fclose(stream);
+  std::string text(bytes, size);
+  std::free(bytes);
   return text;
 }
 

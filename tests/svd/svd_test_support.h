@@ -1,25 +1,46 @@
-// Helpers of the SVD reader tests: run the reader on SVD text in memory and give
-// the memory-map file it writes (indentation 2, no line-length limit) as bytes.
+// Helpers of the SVD reader tests: SVD text in memory read into an SVDFile, and what
+// the file then writes or holds.
 #pragma once
 #include <cstdint>
+#include <initializer_list>
 #include <string>
-#include <string_view>
+#include <vector>
 
-#include "memorymap/svd_file.h"
+#include "readers/svd/svd_reader.h"
+#include "tests/readers/reader_test_support.h"
 
-namespace regmill::testing {
+namespace regmill {
 
-// `<device><name>D</name>` + body + `</device>`.
-std::string deviceWith(std::string_view body);
+using Values = std::vector<std::string>;
 
-// The same with the body inside `<peripherals>`.
-std::string deviceWithPeripherals(std::string_view peripherals);
+// `<device><name>D</name>` + body + `</device>`; the second with a body of peripherals.
+inline std::string deviceWith(const std::string& body) { return "<device><name>D</name>" + body + "</device>"; }
+inline std::string deviceWithPeripherals(const std::string& peripherals) {
+  return deviceWith("<peripherals>" + peripherals + "</peripherals>");
+}
 
-// The written memory map.
-std::string writtenMap(SVDFile& file);
+// The written map of the SVD text read into a fresh SVDFile, or "load failed".
+inline std::string convertSVD(const std::string& svd, uint32_t flags = 0, const char* ignoreName = nullptr) {
+  SVDFile file;
+  return loadSVDFromText(file, svd.c_str(), flags, ignoreName) ? writtenText(file) : "load failed";
+}
 
-// Reads the SVD text into a fresh SVDFile and gives the written map; a failed read
-// gives the text "load failed".
-std::string convertSVD(std::string_view svdText, uint32_t flags = 0, const char* ignoreName = nullptr);
+// For every element of the tag, in document order, the values of the attributes
+// joined by blanks, "-" for one that is absent.
+inline Values attributeValues(const std::string& svd, const char* tag, std::initializer_list<const char*> attributes,
+                              uint32_t flags = 0, const char* ignoreName = nullptr) {
+  SVDFile file;
+  EXPECT_TRUE(loadSVDFromText(file, svd.c_str(), flags, ignoreName));
+  Values values;
+  for (XMLElement* element : collectElements(file.root(), tag, true)) {
+    std::string joined;
+    for (const char* attribute : attributes) {
+      const char* value = element->getAttribute(attribute);
+      joined.append(" ").append(value == nullptr ? "-" : value);
+    }
+    values.push_back(joined.substr(1));
+  }
+  return values;
+}
 
-}  // namespace regmill::testing
+}  // namespace regmill
