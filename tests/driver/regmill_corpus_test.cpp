@@ -1,0 +1,104 @@
+// Every real-world file of the shared corpus through the built converter: every SVD
+// file with the default options and with a vector table and -ignore-name, every
+// device header through -irqs2. A run either succeeds silently or, for a file that
+// is no SVD, fails with the read message; what it writes reads back with our parser
+// and with xmllint.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "regmill_process.h"
+#include "xml/xml_document.h"
+
+namespace regmill {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::ProcessResult;
+using testing::ScratchFolder;
+using testing::runRegmill;
+
+const fs::path kCorpus = fs::path(REGMILL_SHARED_DIR) / "corpus";
+
+std::vector<fs::path> filesUnder(const fs::path& folder, const std::string& extension) {
+  std::vector<fs::path> files;
+  for (const auto& entry : fs::recursive_directory_iterator(folder))
+    if (entry.is_regular_file() && entry.path().extension() == extension) files.push_back(entry.path());
+  std::sort(files.begin(), files.end());
+  return files;
+}
+
+bool xmllintReads(const fs::path& file) {
+  std::string command = "xmllint --noout '" + file.string() + "' 2>/dev/null";
+  return std::system(command.c_str()) == 0;
+}
+
+void expectReadableOutput(const fs::path& output) {
+  XMLDocument document(false);
+  EXPECT_TRUE(document.load(output.c_str())) << output << ": " << document.errorText();
+  EXPECT_TRUE(xmllintReads(output)) << "xmllint refuses " << output;
+}
+
+class RegmillCorpus : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    if (!fs::is_directory(kCorpus)) GTEST_SKIP() << "no corpus at " << kCorpus << "; the real-world files are not here";
+    if (std::system("xmllint --version >/dev/null 2>&1") != 0) GTEST_SKIP() << "xmllint is not installed";
+  }
+
+  // Converts each SVD file under the folder with the extra options; returns how many
+  // were refused as no SVD at all.
+  int convertAll(const std::string& folder, const std::vector<std::string>& options) {
+    int refused = 0;
+    for (const fs::path& input : filesUnder(kCorpus / folder, ".svd")) {
+      std::vector<std::string> arguments = options;
+      arguments.push_back(input.string());
+      arguments.push_back("out.xml");
+      fs::remove(scratch_.file("out.xml"));
+      ProcessResult result = runRegmill(arguments, scratch_.path());
+      if (result.exitCode == 1 && result.err == "error: read of " + input.string() + " failed\n") {
+        EXPECT_FALSE(scratch_.exists("out.xml")) << input;
+        ++refused;
+        continue;
+      }
+      EXPECT_EQ(result.exitCode, 0) << input << "\n" << result.err;
+      EXPECT_EQ(result.err, "") << input;
+      expectReadableOutput(scratch_.file("out.xml"));
+    }
+    return refused;
+  }
+
+  ScratchFolder scratch_;
+};
+
+const std::vector<std::string> kTableOptions{"-irq-table", "v", "-irq-start", "0", "-ignore-name", "RES"};
+
+TEST_F(RegmillCorpus, VendorFilesWithDefaultOptions) { EXPECT_EQ(convertAll("svd", {}), 0); }
+
+TEST_F(RegmillCorpus, VendorFilesWithVectorTableAndIgnoredNames) {
+  EXPECT_EQ(convertAll("svd", kTableOptions), 0);
+  EXPECT_TRUE(scratch_.exists("v.vec"));
+}
+
+TEST_F(RegmillCorpus, ProbingFilesWithBothOptionSets) {
+  // A few probing files are deliberately no SVD; they must fail alike both times.
+  int refused = convertAll("svd-edge", {});
+  EXPECT_EQ(convertAll("svd-edge", kTableOptions), refused);
+}
+
+TEST_F(RegmillCorpus, HeadersGiveNamesAndCoreData) {
+  fs::path device = fs::path(REGMILL_SOURCE_DIR) / "examples" / "widget.svd";
+  for (const fs::path& header : filesUnder(kCorpus / "headers", ".h")) {
+    ProcessResult result = runRegmill(
+        {"-irqs2", header.string(), "-irq-table", "v", "-pp", device.string(), "out.xml"}, scratch_.path());
+    EXPECT_EQ(result.exitCode, 0) << header << "\n" << result.err;
+    expectReadableOutput(scratch_.file("out.xml"));
+  }
+}
+
+}  // namespace
+}  // namespace regmill
