@@ -3,20 +3,21 @@
 // `xmllint --noout` on the same files; and regmill with -pp (core groups and the
 // address computation over the whole tree) beside the plain conversion.
 // Prints best-of-N wall times, the ratios and the peak memory of each process.
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 #include <string>
 #include <vector>
 
+#include "bench_support.h"
+
 namespace fs = std::filesystem;
+
+using regmill::bench::largestSvd;
+using regmill::bench::readFile;
 
 namespace {
 
@@ -25,55 +26,22 @@ struct Timing {
   long peakKilobytes = 0;
 };
 
-// Runs the command (output to /dev/null) `repeats` times; the best time and the
-// largest peak resident size.
+// Runs the command `repeats` times; the best time and the largest peak resident size.
 Timing timeCommand(const std::vector<std::string>& command, int repeats) {
   Timing best;
   for (int i = 0; i < repeats; ++i) {
-    std::fflush(stdout);  // the child must not inherit unwritten output
+    long peakKilobytes = 0;
     auto start = std::chrono::steady_clock::now();
-    pid_t child = fork();
-    if (child == 0) {
-      std::freopen("/dev/null", "w", stdout);
-      std::vector<char*> argv;
-      for (const std::string& word : command) argv.push_back(const_cast<char*>(word.c_str()));
-      argv.push_back(nullptr);
-      execvp(argv[0], argv.data());
-      _exit(127);
-    }
-    int status = 0;
-    rusage usage{};
-    wait4(child, &status, 0, &usage);
+    int status = regmill::bench::runChild(command, peakKilobytes);
     double elapsed = std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
-    if (!WIFEXITED(status) || WEXITSTATUS(status) != 0) {
+    if (status != 0) {
       std::fprintf(stderr, "command failed: %s\n", command[0].c_str());
       std::exit(1);
     }
     best.milliseconds = std::min(best.milliseconds, elapsed);
-    best.peakKilobytes = std::max(best.peakKilobytes, usage.ru_maxrss);
+    best.peakKilobytes = std::max(best.peakKilobytes, peakKilobytes);
   }
   return best;
-}
-
-fs::path largestSvd(const fs::path& corpus) {
-  fs::path largest;
-  uintmax_t largestSize = 0;
-  if (!fs::exists(corpus)) return largest;
-  for (const auto& entry : fs::recursive_directory_iterator(corpus)) {
-    if (!entry.is_regular_file() || entry.path().extension() != ".svd") continue;
-    if (entry.file_size() > largestSize) {
-      largestSize = entry.file_size();
-      largest = entry.path();
-    }
-  }
-  return largest;
-}
-
-std::string readFile(const fs::path& path) {
-  std::ifstream stream(path, std::ios::binary);
-  std::ostringstream contents;
-  contents << stream.rdbuf();
-  return contents.str();
 }
 
 // Repeats the peripherals of `svd` under new names and base addresses until the

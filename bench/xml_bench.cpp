@@ -9,7 +9,6 @@
 // The peak memory of a parse is taken from a child process that does nothing else,
 // for our parser (this program run with --load-only) and for xmllint alike.
 #include <sys/resource.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -24,9 +23,14 @@
 #include <string>
 #include <vector>
 
+#include "bench_support.h"
 #include "xml/xml_document.h"
 
 namespace fs = std::filesystem;
+
+using regmill::bench::largestSvd;
+using regmill::bench::readFile;
+using regmill::bench::runChild;
 
 namespace {
 
@@ -41,47 +45,6 @@ double bestOf(const std::function<void()>& work) {
     auto start = Clock::now();
     work();
     best = std::min(best, std::chrono::duration<double, std::milli>(Clock::now() - start).count());
-  }
-  return best;
-}
-
-// Runs a program to its end; gives its exit status and fills its peak resident size in KB.
-int runChild(const std::vector<std::string>& arguments, long& peakKilobytes) {
-  pid_t child = fork();
-  if (child < 0) return -1;
-  if (child == 0) {
-    std::vector<char*> argv;
-    for (const std::string& argument : arguments) argv.push_back(const_cast<char*>(argument.c_str()));
-    argv.push_back(nullptr);
-    execvp(argv[0], argv.data());
-    _exit(127);
-  }
-  int status = 0;
-  struct rusage usage = {};
-  if (wait4(child, &status, 0, &usage) < 0) return -1;
-  peakKilobytes = usage.ru_maxrss;
-  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
-
-std::string readFile(const fs::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::ostringstream contents;
-  contents << in.rdbuf();
-  return contents.str();
-}
-
-fs::path largestSvd(const fs::path& where) {
-  if (fs::is_regular_file(where)) return where;
-  fs::path best;
-  uintmax_t bestSize = 0;
-  std::error_code error;
-  if (!fs::is_directory(where, error)) return best;
-  for (const auto& entry : fs::recursive_directory_iterator(where, error)) {
-    if (!entry.is_regular_file() || entry.path().extension() != ".svd") continue;
-    if (entry.file_size() > bestSize) {
-      bestSize = entry.file_size();
-      best = entry.path();
-    }
   }
   return best;
 }
