@@ -1,25 +1,15 @@
 #include "base/parse_number.h"
 
-#include <cctype>
+#include "base/text.h"
+
 #include <cerrno>
 #include <cstdlib>
 
 namespace regmill {
 
-namespace {
-
-int digitValue(char c) {
-  if (c >= '0' && c <= '9') return c - '0';
-  if (c >= 'a' && c <= 'z') return c - 'a' + 10;
-  if (c >= 'A' && c <= 'Z') return c - 'A' + 10;
-  return -1;
-}
-
-}  // namespace
-
 int64_t parseNumber64(std::string_view text) {
   size_t i = 0;
-  while (i < text.size() && std::isspace(static_cast<unsigned char>(text[i]))) ++i;
+  while (i < text.size() && isSpaceByte(static_cast<unsigned char>(text[i]))) ++i;
   bool negative = false;
   if (i < text.size() && (text[i] == '-' || text[i] == '+')) negative = text[i++] == '-';
   uint64_t base = 10;
@@ -39,7 +29,7 @@ int64_t parseNumber64(std::string_view text) {
   for (; i < text.size(); ++i) {
     char c = text[i];
     if (c == 'L' || c == 'U' || c == 'l' || c == 'u') break;
-    int digit = digitValue(c);
+    int digit = digitValue(static_cast<unsigned char>(c));
     // Any letter adds its value whatever the base; a byte that is neither digit nor
     // letter has no digit value, and we let it end the number.
     if (digit < 0) break;
@@ -59,8 +49,7 @@ uint32_t parseUnsignedC(const char* text) {
 
 std::optional<int64_t> parseDecimalExactly(std::string_view text) {
   // White space around the number is ignored, as the toolkit's own conversion does.
-  while (!text.empty() && std::isspace(static_cast<unsigned char>(text.front()))) text.remove_prefix(1);
-  while (!text.empty() && std::isspace(static_cast<unsigned char>(text.back()))) text.remove_suffix(1);
+  text = trimmed(text);
   size_t i = 0;
   bool negative = false;
   if (i < text.size() && (text[i] == '-' || text[i] == '+')) negative = text[i++] == '-';

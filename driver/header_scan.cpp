@@ -102,7 +102,7 @@ QStringList namesByPosition(const std::vector<EnumeratedName>& pairs, size_t tab
 
 bool scanCmsisHeader(const char* path, size_t tableSize, HeaderScanResult& result) {
   TextFileReader reader;
-  if (!reader.open(path)) return false;
+  if (!reader.open(path).ok()) return false;
   std::vector<EnumeratedName> pairs = scanEnumerators(reader);
   reader.rewind();
   scanCoreMacros(reader, result);

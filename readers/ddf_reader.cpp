@@ -178,11 +178,8 @@ class DDFBuilder {
 }  // namespace
 
 bool readDDF(const char* path, MemoryMap& document) {
-  // A folder opens as a stream on some systems but is no file to read.
-  std::error_code error;
-  if (std::filesystem::is_directory(path, error)) return false;
   TextFileReader file;
-  if (!file.open(path)) return false;
+  if (!file.open(path).ok()) return false;
   MemoryMapElement* root = document.newElement("Root");
   document.setRoot(root);
   DDFBuilder builder(document, root);
