@@ -7,7 +7,7 @@ set(REGMILL_SHARED_DIR "${CMAKE_SOURCE_DIR}/../shared" CACHE PATH "Folder with s
 function(regmill_test name)
   cmake_parse_arguments(ARG "" "" "SOURCES;DEPS" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
-  target_link_libraries(${name} PRIVATE regmill_options ${ARG_DEPS} GTest::gtest GTest::gtest_main)
+  target_link_libraries(${name} PRIVATE regmill_options ${ARG_DEPS} regmill_test_support GTest::gtest GTest::gtest_main)
   target_compile_definitions(${name} PRIVATE
     REGMILL_SHARED_DIR="${REGMILL_SHARED_DIR}"
     REGMILL_SOURCE_DIR="${CMAKE_SOURCE_DIR}")

@@ -33,16 +33,5 @@ TEST(ParseUnsignedC, BehavesLikeStrtoulInBaseZero) {
   EXPECT_EQ(parseUnsignedC(nullptr), 0u);
 }
 
-TEST(ParseDecimalExactly, OnlyWholeDecimalTexts) {
-  EXPECT_EQ(parseDecimalExactly("32"), 32);
-  EXPECT_EQ(parseDecimalExactly(" 32\n"), 32);
-  EXPECT_EQ(parseDecimalExactly("-5"), -5);
-  EXPECT_FALSE(parseDecimalExactly("0x20"));
-  EXPECT_FALSE(parseDecimalExactly(""));
-  EXPECT_FALSE(parseDecimalExactly("-"));
-  EXPECT_FALSE(parseDecimalExactly("12a"));
-  EXPECT_FALSE(parseDecimalExactly("99999999999999999999"));
-}
-
 }  // namespace
 }  // namespace regmill

@@ -2,46 +2,31 @@
 
 #include <gtest/gtest.h>
 
-#include <unistd.h>
-
-#include <cstdio>
-#include <fstream>
 #include <string>
 #include <vector>
+
+#include "tests/support/scratch_folder.h"
 
 namespace regmill {
 namespace {
 
-std::string temporaryFile(const std::string& contents) {
-  char path[] = "/tmp/regmill-text-XXXXXX";
-  int fd = mkstemp(path);
-  EXPECT_GE(fd, 0);
-  ::close(fd);
-  std::ofstream(path, std::ios::binary) << contents;
-  return path;
-}
-
 std::vector<std::string> linesOf(const std::string& contents, size_t bufferSize) {
-  std::string path = temporaryFile(contents);
+  testing::ScratchFolder folder;
   TextFileReader reader;
-  EXPECT_TRUE(reader.open(path.c_str()));
+  EXPECT_TRUE(reader.open(folder.write("text", contents).c_str()));
   std::vector<std::string> lines;
   std::vector<char> buffer(bufferSize);
   while (reader.readLine(buffer.data(), buffer.size())) lines.emplace_back(buffer.data());
-  std::remove(path.c_str());
   return lines;
 }
 
-TEST(TextFileReader, DropsOnlyCarriageReturnsBeforeLineFeeds) {
-  EXPECT_EQ(linesOf("a\r\nb\rc\n\r\r\nend", 64), (std::vector<std::string>{"a\n", "b\rc\n", "\r\n", "end"}));
-}
-
-TEST(TextFileReader, LongLinesComeInPieces) {
-  EXPECT_EQ(linesOf("abcdefg\nhi\n", 4), (std::vector<std::string>{"abc", "def", "g\n", "hi\n"}));
-}
-
-TEST(TextFileReader, CarriageReturnAtPieceBoundaryStillPairs) {
-  EXPECT_EQ(linesOf("ab\r\ncd", 3), (std::vector<std::string>{"ab", "\n", "cd"}));
+TEST(TextFileReader, LinesComeInPiecesWithOnlyCarriageReturnsBeforeLineFeedsDropped) {
+  const std::tuple<const char*, size_t, std::vector<std::string>> cases[] = {
+      {"a\r\nb\rc\n\r\r\nend", 64, {"a\n", "b\rc\n", "\r\n", "end"}},
+      {"abcdefg\nhi\n", 4, {"abc", "def", "g\n", "hi\n"}},
+      {"ab\r\ncd", 3, {"ab", "\n", "cd"}},  // a carriage return at a piece boundary still pairs
+  };
+  for (const auto& [contents, bufferSize, lines] : cases) EXPECT_EQ(linesOf(contents, bufferSize), lines) << contents;
 }
 
 TEST(TextFileReader, MissingFileDoesNotOpen) {

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "coregroups/element_builders.h"
-#include "tests/coregroups/group_listing.h"
+#include "tests/support/tree_dump.h"
 
 namespace regmill {
 namespace {

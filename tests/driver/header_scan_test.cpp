@@ -4,7 +4,8 @@
 
 #include <string>
 
-#include "regmill_process.h"
+#include "tests/support/regmill_process.h"
+#include "tests/support/scratch_folder.h"
 
 namespace regmill {
 namespace {

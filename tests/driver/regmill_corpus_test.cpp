@@ -11,7 +11,8 @@
 #include <string>
 #include <vector>
 
-#include "regmill_process.h"
+#include "tests/support/regmill_process.h"
+#include "tests/support/scratch_folder.h"
 #include "xml/xml_document.h"
 
 namespace regmill {
@@ -22,15 +23,9 @@ using testing::ProcessResult;
 using testing::ScratchFolder;
 using testing::runRegmill;
 
-const fs::path kCorpus = fs::path(REGMILL_SHARED_DIR) / "corpus";
+using testing::filesUnder;
 
-std::vector<fs::path> filesUnder(const fs::path& folder, const std::string& extension) {
-  std::vector<fs::path> files;
-  for (const auto& entry : fs::recursive_directory_iterator(folder))
-    if (entry.is_regular_file() && entry.path().extension() == extension) files.push_back(entry.path());
-  std::sort(files.begin(), files.end());
-  return files;
-}
+const fs::path kCorpus = testing::corpusFolder("");
 
 bool xmllintReads(const fs::path& file) {
   std::string command = "xmllint --noout '" + file.string() + "' 2>/dev/null";
@@ -46,7 +41,7 @@ void expectReadableOutput(const fs::path& output) {
 class RegmillCorpus : public ::testing::Test {
  protected:
   void SetUp() override {
-    if (!fs::is_directory(kCorpus)) GTEST_SKIP() << "no corpus at " << kCorpus << "; the real-world files are not here";
+    REGMILL_SKIP_WITHOUT(kCorpus);
     if (std::system("xmllint --version >/dev/null 2>&1") != 0) GTEST_SKIP() << "xmllint is not installed";
   }
 

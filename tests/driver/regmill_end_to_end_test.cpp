@@ -5,7 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "regmill_process.h"
+#include "tests/support/regmill_process.h"
+#include "tests/support/scratch_folder.h"
 
 namespace regmill {
 namespace {

@@ -1,34 +1,22 @@
 #include "readers/ddf_reader.h"
 
-#include "tests/readers/reader_test_support.h"
+#include <gtest/gtest.h>
+
+#include "memorymap/svd_file.h"
+#include "tests/support/scratch_folder.h"
 
 namespace regmill {
 namespace {
 
+using testing::writtenText;
+
 using namespace std::string_literals;
 
 std::string convert(const std::string& contents) {
-  ScratchFile input(contents);
+  testing::ScratchFolder folder;
   SVDFile document;
-  EXPECT_TRUE(readDDF(input.path.c_str(), document));
+  EXPECT_TRUE(readDDF(folder.write("in.ddf", contents).c_str(), document));
   return writtenText(document);
-}
-
-TEST(ReadersDDF, SmallFileGivesTheDocumentedMap) {
-  EXPECT_EQ(convert("[Sfr]\n"
-                    "sfr = \"UART_CR\", \"Memory\", 0x40001000, 4, base=16\n"
-                    "sfr = \"UART_CR.EN\", \"Memory\", 0x40001000, 4, base=16, bitRange=0\n"
-                    "sfr = \"UART_DR\", \"Memory\", 0x40001004, 4, base=16\n"
-                    "[SfrGroupInfo]\n"
-                    "group = \"UART\", \"UART_CR\", \"UART_DR\"\n"),
-            "<Root>\n"
-            "  <RegisterGroup name=\"UART\" start=\"0x40001000\">\n"
-            "    <Register name=\"UART_CR\" start=\"0x40001000\" size=\"4\">\n"
-            "      <BitField name=\"EN\" start=\"0\" size=\"1\" />\n"
-            "    </Register>\n"
-            "    <Register name=\"UART_DR\" start=\"0x40001004\" size=\"4\" />\n"
-            "  </RegisterGroup>\n"
-            "</Root>\n");
 }
 
 TEST(ReadersDDF, FirstTokenThatGivesAWidthPlacesTheField) {

@@ -1,9 +1,14 @@
 #include "readers/rdt_reader.h"
 
-#include "tests/readers/reader_test_support.h"
+#include <gtest/gtest.h>
+
+#include "memorymap/svd_file.h"
+#include "tests/support/scratch_folder.h"
 
 namespace regmill {
 namespace {
+
+using testing::writtenText;
 
 // Runs the reader on the main text and gives what it writes, behind "(no cpu)" when it
 // finds no processor, or "(unreadable NAME)" when it stops at an instance file.
@@ -27,16 +32,17 @@ TEST(ReadersRDT, InstancesOfTheProcessorBecomeGroupsFromTheirRegisterFiles) {
   // depth first: before the later one of the same id. Its children are read up to the
   // first that isn't an element. RESERVED fields are left out with their values, and
   // a register file that doesn't begin with a tag gives an empty group.
-  ScratchFile registers(
+  testing::ScratchFolder folder;
+  std::string registers = folder.write("registers.xml",
       "<registers><register id=\"DATA\" offset=\"0x0\">\n"
       "  <bitfield id=\"PIN0\" end=\"0\" width=\"1\"><value id=\"LOW\" value=\"0\" /></bitfield>\n"
       "  <bitfield id=\"RESERVED\" end=\"1\" width=\"31\"><v id=\"X\" /></bitfield>\n"
       "</register><note /><register id=\"DIR\"><bitfield end=\"0\" /></register></registers>\n");
-  ScratchFile untagged("no tag here");
+  std::string untagged = folder.write("untagged.xml", "no tag here");
   std::string open, close;
   for (int depth = 0; depth < 200000; ++depth) open += "<a>", close += "</a>";
   EXPECT_EQ(convert("<device>" + open +
-                    processor(instance("P", registers.path) + "<note />" + instance("Q", untagged.path) +
+                    processor(instance("P", registers) + "<note />" + instance("Q", untagged) +
                               "<![CDATA[x]]>" + instance("LATE", "missing.xml")) +
                     close + processor(instance("SECOND", "missing.xml")) + "</device>"),
             "<Root>\n"
@@ -57,8 +63,9 @@ TEST(ReadersRDT, InstancesOfTheProcessorBecomeGroupsFromTheirRegisterFiles) {
 TEST(ReadersRDT, WithoutTheProcessorOrWithAnUnreadableFileNothingIsRead) {
   for (const char* text : {"", "<cpu id=\"CortexA9_1\" />", "<board><cpu><instance /></cpu></board>"})
     EXPECT_EQ(convert(text), "(no cpu)") << text;
-  ScratchFile broken("<registers><register></registers>");
-  EXPECT_EQ(convert(processor(instance("A", broken.path))), "(unreadable " + broken.path + ")");
+  testing::ScratchFolder folder;
+  std::string broken = folder.write("broken.xml", "<registers><register></registers>");
+  EXPECT_EQ(convert(processor(instance("A", broken))), "(unreadable " + broken + ")");
   EXPECT_EQ(convert(processor("<instance id=\"A\" />")), "(unreadable )");
 }
 

@@ -1,9 +1,14 @@
 #include "readers/tcf_reader.h"
 
-#include "tests/readers/reader_test_support.h"
+#include <gtest/gtest.h>
+
+#include "memorymap/svd_file.h"
+#include "tests/support/scratch_folder.h"
 
 namespace regmill {
 namespace {
+
+using testing::writtenText;
 
 // Parses `text` as the driver loads a TCF file and gives what the reader writes, behind
 // "(false)" when it refuses the tree.

@@ -4,32 +4,21 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <cstring>
-#include <filesystem>
 #include <set>
-#include <string>
-#include <vector>
 
 #include "readers/svd/svd_base_search.h"
 #include "readers/svd/svd_inheritance.h"
 #include "readers/svd/svd_reader.h"
+#include "tests/support/scratch_folder.h"
 #include "xml/xml_document.h"
 
 namespace regmill {
 namespace {
 
 namespace fs = std::filesystem;
-
-fs::path corpusFolder(const char* name) { return fs::path(REGMILL_SHARED_DIR) / "corpus" / name; }
-
-std::vector<fs::path> svdFilesUnder(const fs::path& folder) {
-  std::vector<fs::path> files;
-  for (const auto& entry : fs::recursive_directory_iterator(folder))
-    if (entry.is_regular_file() && entry.path().extension() == ".svd") files.push_back(entry.path());
-  std::sort(files.begin(), files.end());
-  return files;
-}
+using testing::corpusFolder;
+using testing::filesUnder;
 
 bool isDeviceDocument(const fs::path& path) {
   QXMLDocument document(true);
@@ -44,12 +33,8 @@ bool isOneOf(const char* value, std::initializer_list<const char*> allowed) {
 
 // Reads the written map back and checks the shape every register must have.
 void expectReadableMap(SVDFile& file) {
-  std::FILE* stream = std::tmpfile();
-  ASSERT_NE(stream, nullptr);
-  file.write(stream, 2, 0);
   XMLDocument back(false);
-  EXPECT_TRUE(back.load(stream));
-  std::fclose(stream);
+  EXPECT_TRUE(back.parse(testing::writtenText(file).c_str()));
   ASSERT_NE(back.root(), nullptr);
   for (XMLElement* reg : collectElements(back.root(), "Register", true)) {
     ASSERT_EQ(reg->getAttribute("start")[0], '+');
@@ -59,9 +44,9 @@ void expectReadableMap(SVDFile& file) {
 
 void convertEveryFileUnder(const char* folderName, size_t expectedAtLeast) {
   fs::path folder = corpusFolder(folderName);
-  if (!fs::is_directory(folder)) GTEST_SKIP() << "no corpus at " << folder << "; the real-world files are not here";
+  REGMILL_SKIP_WITHOUT(folder);
   size_t converted = 0;
-  for (const fs::path& path : svdFilesUnder(folder)) {
+  for (const fs::path& path : filesUnder(folder, ".svd")) {
     SCOPED_TRACE(path.string());
     SVDFile file;
     file.setInterruptTableSize(256);
@@ -101,9 +86,9 @@ const XMLElement* resolveBySearching(const XMLNode* root, const XMLElement* elem
 
 TEST(SVDCorpus, BaseIndexAgreesWithThePlainSearchOnProbingFiles) {
   fs::path folder = corpusFolder("svd-edge");
-  if (!fs::is_directory(folder)) GTEST_SKIP() << "no corpus at " << folder << "; the real-world files are not here";
+  REGMILL_SKIP_WITHOUT(folder);
   size_t derived = 0;
-  for (const fs::path& path : svdFilesUnder(folder)) {
+  for (const fs::path& path : filesUnder(folder, ".svd")) {
     SCOPED_TRACE(path.string());
     QXMLDocument document(true);
     if (!document.load(QString::fromStdString(path.string())) || document.root() == nullptr) continue;

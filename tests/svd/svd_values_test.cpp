@@ -12,8 +12,9 @@ TEST(SVDValues, DecimalAndPrefixedNumbersReadTheWholeText) {
   const std::tuple<const char*, std::optional<int32_t>, std::optional<int32_t>> cases[] = {
       {"32", 32, 32},       {" 12\n", 12, 12},   {"-4", -4, -4},         {"0x20", none, 32},  {"0X1f", none, 31},
       {"-0x10", none, -16}, {"010", 10, 8},      {"08", 8, none},        {"0", 0, 0},         {"0b1", none, none},
-      {"0x", none, none},   {"12abc", none, none}, {"4U", none, none},   {"", none, none},
-      {"2147483647", 2147483647, 2147483647},    {"2147483648", none, none}, {"0xffffffff", none, none}};
+      {"0x", none, none},   {"12abc", none, none}, {"4U", none, none},   {"", none, none},   {"-", none, none},
+      {"2147483647", 2147483647, 2147483647},    {"2147483648", none, none}, {"0xffffffff", none, none},
+      {"18446744073709551621", none, none}};  // 2^64 + 5: an overflow, not 5
   for (const auto& [text, decimal, prefixed] : cases) {
     EXPECT_EQ(decimalNumber(text), decimal) << text;
     EXPECT_EQ(prefixedNumber(text), prefixed) << text;

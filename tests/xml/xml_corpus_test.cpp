@@ -8,7 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "tests/xml/xml_test_support.h"
+#include "tests/support/scratch_folder.h"
+#include "tests/support/tree_dump.h"
 #include "xml/xml_document.h"
 
 namespace regmill {
@@ -18,14 +19,8 @@ namespace fs = std::filesystem;
 
 std::vector<std::string> corpusFiles() {
   std::vector<std::string> files;
-  fs::path corpus = fs::path(REGMILL_SHARED_DIR) / "corpus";
-  std::error_code error;
-  if (!fs::is_directory(corpus, error)) return files;
-  for (const auto& entry : fs::recursive_directory_iterator(corpus, error)) {
-    std::string extension = entry.path().extension().string();
-    if (entry.is_regular_file() && (extension == ".svd" || extension == ".xml"))
-      files.push_back(entry.path().string());
-  }
+  for (const char* extension : {".svd", ".xml"})
+    for (const fs::path& path : testing::filesUnder(testing::corpusFolder(""), extension)) files.push_back(path);
   std::sort(files.begin(), files.end());
   return files;
 }
@@ -59,7 +54,7 @@ void keepOneTextOrNone(XMLNode* node) {
 // The tree as read, made stable, and its writing.
 std::pair<std::string, std::string> treeAndText(XMLDocument& document, unsigned maxLineLength) {
   if (document.textNodes() && document.root() != nullptr) keepOneTextOrNone(document.root());
-  return {test::dumpRoot(document), test::writeToString(document, 2, maxLineLength)};
+  return {testing::dumpRoot(document), testing::writtenText(document, 2, maxLineLength)};
 }
 
 void expectRoundTrips(bool textNodes, unsigned maxLineLength) {

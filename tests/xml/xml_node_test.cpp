@@ -6,14 +6,15 @@
 
 #include <string>
 
-#include "tests/xml/xml_test_support.h"
+#include "tests/support/scratch_folder.h"
+#include "tests/support/tree_dump.h"
 #include "xml/xml_document.h"
 
 namespace regmill {
 namespace {
 
-using test::dumpTree;
-using test::owned;
+using testing::dumpTree;
+using testing::owned;
 
 XMLElement* element(char tag) {
   const char text[2] = {tag, 0};
@@ -50,7 +51,7 @@ TEST(XmlNode, ChildEditsKeepTheChainItsParentsAndItsEnd) {
       {"ab", 'i', 1, "abxyzn"},   {"", 'i', -1, "xyzn"},  // on no children the chain becomes them
   };
   for (const EditCase& c : cases) {
-    SCOPED_TRACE(testing::Message() << c.before << " " << c.edit << c.at);
+    SCOPED_TRACE(::testing::Message() << c.before << " " << c.edit << c.at);
     XMLElement parent(owned("p"));
     XMLNode* children[4] = {};
     for (int i = 0; c.before[i] != 0; ++i) parent.addChild(children[i] = element(c.before[i]));

@@ -8,7 +8,8 @@
 #include <string>
 #include <utility>
 
-#include "tests/xml/xml_test_support.h"
+#include "tests/support/scratch_folder.h"
+#include "tests/support/tree_dump.h"
 #include "xml/xml_document.h"
 
 namespace regmill {
@@ -26,14 +27,14 @@ std::string described(const XMLDocument& document, bool succeeded) {
     prolog += std::string(part == nullptr ? "-" : part) + " ";
   std::string result = prolog == "- - - " ? "" : prolog + "| ";
   if (!succeeded) result += document.errorText() + (" at " + std::to_string(document.errorLine())) + " | ";
-  return result + test::dumpRoot(document);
+  return result + testing::dumpRoot(document);
 }
 
 struct TreeCase { const char* input; bool textNodes; const char* parsed; };
 
 void expectParses(std::initializer_list<TreeCase> cases) {
   for (const TreeCase& c : cases) {
-    SCOPED_TRACE(testing::Message() << "input: " << c.input << (c.textNodes ? " (text nodes)" : ""));
+    SCOPED_TRACE(::testing::Message() << "input: " << c.input << (c.textNodes ? " (text nodes)" : ""));
     XMLDocument document(c.textNodes);
     EXPECT_EQ(described(document, document.parse(c.input)), c.parsed);
   }
@@ -134,7 +135,7 @@ TEST(XmlParser, ElementsComeFromTheFactoryAndNodesKeepTheLineOfTheirStart) {
 }
 
 TEST(XmlLoad, FilesAreReadWholeBehindAByteOrderMarkAndFailuresNameTheFileOrLine) {
-  test::TempFolder folder;
+  testing::ScratchFolder folder;
   const std::pair<std::string, const char*> cases[] = {
       {"", "null"},
       {"\xEF\xBB\xBF<?xml version='1.0'?>\r\n<a>\r\n  <b>x</b>\r\n</c>\r\n", "1.0 - - | tagName mismatch at 3 | null"},

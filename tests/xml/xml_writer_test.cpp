@@ -8,14 +8,15 @@
 #include <string>
 #include <utility>
 
-#include "tests/xml/xml_test_support.h"
+#include "tests/support/scratch_folder.h"
+#include "tests/support/tree_dump.h"
 #include "xml/xml_document.h"
 
 namespace regmill {
 namespace {
 
-using test::owned;
-using test::writeToString;
+using testing::owned;
+using testing::writtenText;
 
 using Attributes = std::initializer_list<std::pair<std::string, const char*>>;
 
@@ -60,7 +61,7 @@ TEST(XmlWriter, LayoutFollowsIndentationLineLengthAndTheFirstChild) {
     SCOPED_TRACE(c.name);
     XMLDocument document(true);
     document.setRoot(c.root);
-    EXPECT_EQ(writeToString(document, c.indentation, c.maxLineLength), c.expected);
+    EXPECT_EQ(writtenText(document, c.indentation, c.maxLineLength), c.expected);
   }
 }
 
@@ -69,14 +70,14 @@ TEST(XmlWriter, EveryByteOutsideThePrintableRangeIsAHexadecimalReference) {
   const std::string escaped = "&quot;&amp;&lt;&gt;' ~a&amp;b;&#xa;&#x9;&#x1;&#x1f;&#x7f;&#x80;&#xe9;&#xff;";
   XMLDocument document(true);
   document.setRoot(el("e", {{"v", raw.c_str()}}, {data(raw.c_str())}));
-  EXPECT_EQ(writeToString(document, 0, 0), "<e v=\"" + escaped + "\">" + escaped + "</e>");
+  EXPECT_EQ(writtenText(document, 0, 0), "<e v=\"" + escaped + "\">" + escaped + "</e>");
   // And the parser reads every byte back as it was.
   std::string all;
   for (int byte = 1; byte < 256; ++byte) all += static_cast<char>(byte);
   XMLDocument source(true), back(true);
   source.setRoot(el("e", {{"v", all.c_str()}}, {data(all.c_str())}));
-  ASSERT_TRUE(back.parse(writeToString(source, 2, 0).c_str()));
-  EXPECT_EQ(test::dumpRoot(back), test::dumpRoot(source));
+  ASSERT_TRUE(back.parse(writtenText(source, 2, 0).c_str()));
+  EXPECT_EQ(testing::dumpRoot(back), testing::dumpRoot(source));
 }
 
 std::string repeated(const std::string& text, size_t count) {
@@ -91,15 +92,15 @@ TEST(XmlWriter, DeepNestingParsesWritesAndIsFreedWithoutRecursion) {
   const std::string text = repeated("<e a='1'>", kDepth) + repeated("</e>", kDepth);
   XMLDocument document(false), withText(true);
   ASSERT_TRUE(document.parse(text.c_str()));
-  EXPECT_EQ(writeToString(document, 0, 80),
+  EXPECT_EQ(writtenText(document, 0, 80),
             repeated("<e a=\"1\">", kDepth - 1) + "<e a=\"1\" />" + repeated("</e>", kDepth - 1));
   // With text nodes every element also holds empty texts; the first of them is all that prints.
   ASSERT_TRUE(withText.parse(text.c_str()));
-  EXPECT_EQ(writeToString(withText, 0, 0), "<e a=\"1\"></e>");
+  EXPECT_EQ(writtenText(withText, 0, 0), "<e a=\"1\"></e>");
 }
 
 TEST(XmlWriter, SaveWritesThePrologAndTreeOrReportsThePath) {
-  test::TempFolder folder;
+  testing::ScratchFolder folder;
   QXMLDocument document(false);
   ASSERT_TRUE(document.parse("<?xml version='1.0' encoding='UTF-8'?><!DOCTYPE device><a x='1'><b/></a>"));
   EXPECT_TRUE(document.save(QString::fromStdString(folder.file("out.xml")), 2, 0));
@@ -110,7 +111,7 @@ TEST(XmlWriter, SaveWritesThePrologAndTreeOrReportsThePath) {
   EXPECT_EQ(std::string(document.errorText()), "couldn't write " + unwritable);
   XMLDocument encodingOnly(false);  // without a root nothing follows the prolog
   encodingOnly.setEncoding(owned("e"));
-  EXPECT_EQ(writeToString(encodingOnly, 2, 0), "<?xml  encoding=\"e\" ?>\n");
+  EXPECT_EQ(writtenText(encodingOnly, 2, 0), "<?xml  encoding=\"e\" ?>\n");
 }
 
 }  // namespace

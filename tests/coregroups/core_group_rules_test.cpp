@@ -1,0 +1,240 @@
+// Rules that every generated core group keeps, for every core variant the generators
+// know and every number of priority bits: fields fit their register and don't
+// overlap, registers don't overlap and lie in the system control space, the
+// non-secure alias repeats the secure group 0x20000 higher with "_NS" names, and the
+// NVIC's bits follow the interrupt numbers.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <set>
+
+#include "coregroups/fpu_group.h"
+#include "coregroups/mpu_group.h"
+#include "coregroups/nvic_group.h"
+#include "coregroups/sau_group.h"
+#include "coregroups/scb_group.h"
+#include "coregroups/systick_group.h"
+#include "tests/support/tree_dump.h"
+
+namespace regmill {
+namespace {
+
+using namespace regmill::testing;
+
+constexpr int32_t kCores[] = {0, 3, 4, 5, 7, 23, 33};  // 5 stands for any other core number
+constexpr uint32_t kAliasOffset = 0x20000;
+const std::initializer_list<std::pair<int, const char*>> kInterrupts = {
+    {0, "WDT"}, {1, "RTC"}, {5, "UART"}, {31, "TIMER31"}, {32, "TIMER32"}, {47, "LAST"}};
+
+struct Variant {
+  int32_t core;
+  bool hasVTOR;
+  uint32_t prioBits;
+  bool nonSecure;
+};
+
+struct Built {
+  std::string stem;
+  MemoryMapElement* group;
+};
+
+std::vector<Built> buildAll(CoreDocument& document, const Variant& v) {
+  document.file.hasVTOR = v.hasVTOR;
+  return {{"NVIC", addNVICGroup(document.file, v.core, v.prioBits, 0, true, v.nonSecure)},
+          {"SysTick", addSysTickGroup(document.file, v.nonSecure)},
+          {"SCB", addSCBGroup(document.file, v.core, v.prioBits, v.nonSecure)},
+          {"MPU", addMPUGroup(document.file, v.core, v.nonSecure)},
+          {"FPU", addFPUGroup(document.file, v.core, v.nonSecure)},
+          {"SAU", v.nonSecure ? nullptr : addSAUGroup(document.file)}};
+}
+
+int64_t wholeNumber(const std::string& text, int base) {
+  size_t used = 0;
+  int64_t number = std::stoll(text, &used, base);
+  EXPECT_EQ(used, text.size()) << "not a whole number: " << text;
+  return number;
+}
+
+std::string hexText(uint64_t address, bool padded) {
+  char text[24];
+  std::snprintf(text, sizeof text, padded ? "0x%08llX" : "0x%llx", static_cast<unsigned long long>(address));
+  return text;
+}
+
+// The attribute names in their order, and those of `order` that the element has.
+std::string attributeNames(const MemoryMapElement* element) {
+  std::string text;
+  for (const XMLAttribute* a = element->attributes(); a != nullptr; a = a->next) text += std::string(a->name) + " ";
+  return text;
+}
+std::string presentInOrder(const MemoryMapElement* element, std::initializer_list<const char*> order) {
+  std::string text;
+  for (const char* name : order)
+    if (element->hasAttribute(name)) text += std::string(name) + " ";
+  return text;
+}
+
+// The Cortex-M7's implementation registers and the closing registers of core 0 keep
+// their plain name and their address in either group.
+bool keepsItsPlace(const std::string& stem, int32_t core, const std::string& name) {
+  if (stem != "SCB") return false;
+  if (core == 0) return name == "SHCSR" || name == "DFSR";
+  return core == 7 && (name.starts_with("CM7_") || name.starts_with("IEBR") || name.starts_with("DEBR"));
+}
+
+// Only these fields have an empty description; every other field of the tables has text.
+const std::set<std::string> kEmptyDescriptions{"ISRPREEMPT", "VECTCLRACTIVE", "VECTRESET", "DEBUGEVT", "EXTERNAL",
+                                               "VCATCH",     "DWTTRAP",       "BKPT",      "HALTED"};
+
+void checkFields(const std::string& stem, const MemoryMapElement* registerElement, int64_t bits) {
+  std::vector<std::pair<int64_t, int64_t>> used;
+  std::set<std::string> names;
+  for (MemoryMapElement* field : children(registerElement)) {
+    std::string name = value(field, "name");
+    int64_t start = wholeNumber(value(field, "start"), 10);
+    int64_t size = wholeNumber(value(field, "size"), 10);
+    EXPECT_TRUE(names.insert(name).second) << name << " twice";
+    EXPECT_TRUE(start >= 0 && size >= 0 && start + size <= bits) << name << " " << start << ":" << size;
+    for (const auto& [otherStart, otherSize] : used)
+      EXPECT_TRUE(start + size <= otherStart || otherStart + otherSize <= start) << name << " overlaps";
+    used.emplace_back(start, size);
+    if (stem == "NVIC") {
+      EXPECT_EQ(attributeNames(field), "name start size ");
+    } else {
+      EXPECT_EQ(attributeNames(field), "name start size description ");
+      EXPECT_EQ(value(field, "description").empty(), stem == "SCB" && kEmptyDescriptions.count(name) == 1) << name;
+    }
+  }
+}
+
+void checkGroup(const std::string& stem, const MemoryMapElement* group, const Variant& v) {
+  const bool alias = v.nonSecure && stem != "SAU";
+  EXPECT_EQ(value(group, "name"), alias ? stem + "_NS" : stem);
+  EXPECT_EQ(attributeNames(group), "name start description ");
+  const int64_t space = 0xE000E000 + (alias ? kAliasOffset : 0);
+  const int64_t groupStart = wholeNumber(value(group, "start"), 16);
+  EXPECT_EQ(groupStart & ~0xFFF, space);
+  std::set<std::string> names;
+  std::vector<std::pair<int64_t, int64_t>> spans;
+  for (MemoryMapElement* registerElement : children(group)) {
+    std::string name = value(registerElement, "name");
+    SCOPED_TRACE(name);
+    bool fixed = keepsItsPlace(stem, v.core, name);
+    EXPECT_TRUE(names.insert(name).second) << "twice";
+    EXPECT_EQ(name.ends_with("_NS"), alias && !fixed);
+    int64_t address = wholeNumber(value(registerElement, "start"), 16);
+    EXPECT_EQ(value(registerElement, "start"), hexText(address, stem == "NVIC" || stem == "SAU" || fixed));
+    EXPECT_EQ(address & ~0xFFF, fixed ? 0xE000E000 : space);
+    if (!fixed) {
+      EXPECT_GE(address, groupStart);
+    }
+    int64_t bytes = registerElement->hasAttribute("size") ? wholeNumber(value(registerElement, "size"), 10) : 4;
+    EXPECT_TRUE((bytes == 1 || bytes == 2 || bytes == 4) && address % bytes == 0) << bytes;
+    spans.emplace_back(address, bytes);
+    EXPECT_EQ(value(registerElement, "access"), registerElement->hasAttribute("access") ? "ReadOnly" : "?");
+    EXPECT_EQ(attributeNames(registerElement),
+              stem == "NVIC" ? presentInOrder(registerElement, {"name", "description", "start", "access"})
+                             : presentInOrder(registerElement, {"name", "start", "size", "access", "description"}));
+    EXPECT_NE(value(registerElement, "description"), "?");
+    checkFields(stem, registerElement, bytes * 8);
+  }
+  std::sort(spans.begin(), spans.end());
+  for (size_t i = 1; i < spans.size(); ++i)
+    EXPECT_LE(spans[i - 1].first + spans[i - 1].second, spans[i].first) << hexText(spans[i].first, false);
+}
+
+// A register in a form that can be compared across groups: name, address and every
+// other attribute, then its fields with all of theirs.
+std::string comparable(const MemoryMapElement* registerElement, int64_t offset, const std::string& suffix) {
+  std::string text = value(registerElement, "name") + suffix + " " +
+                     hexText(wholeNumber(value(registerElement, "start"), 16) + offset, false);
+  for (const XMLAttribute* a = registerElement->attributes(); a != nullptr; a = a->next)
+    if (std::string(a->name) != "name" && std::string(a->name) != "start") text += std::string(" ") + a->name + "=" + a->value;
+  for (MemoryMapElement* field : children(registerElement)) text += " [" + attributes(field) + "]";
+  return text + "\n";
+}
+
+// The alias has every register of the secure group but those that only secure code
+// sees (the interrupt target rows and NSACR), with "_NS" names 0x20000 higher.
+void checkAlias(const std::string& stem, const MemoryMapElement* secure, const MemoryMapElement* alias, int32_t core) {
+  EXPECT_EQ(wholeNumber(value(alias, "start"), 16), wholeNumber(value(secure, "start"), 16) + kAliasOffset);
+  std::string expected, actual;
+  for (MemoryMapElement* registerElement : children(secure)) {
+    std::string name = value(registerElement, "name");
+    if (name == "NSACR" || name.starts_with("NVIC_ITNS")) continue;
+    bool fixed = keepsItsPlace(stem, core, name);
+    expected += comparable(registerElement, fixed ? 0 : kAliasOffset, fixed ? "" : "_NS");
+  }
+  for (MemoryMapElement* registerElement : children(alias)) actual += comparable(registerElement, 0, "");
+  EXPECT_EQ(actual, expected);
+}
+
+TEST(CoreGroupRules, EveryGroupOfEveryVariantKeepsTheLayoutRules) {
+  for (int32_t core : kCores)
+    for (bool hasVTOR : {false, true})
+      for (uint32_t bits = 0; bits <= 8; ++bits) {
+        CoreDocument secureDocument(kInterrupts), aliasDocument(kInterrupts);
+        std::vector<Built> secure = buildAll(secureDocument, {core, hasVTOR, bits, false});
+        std::vector<Built> alias = buildAll(aliasDocument, {core, hasVTOR, bits, true});
+        for (size_t i = 0; i < secure.size(); ++i) {
+          SCOPED_TRACE(secure[i].stem + " core " + std::to_string(core) + " bits " + std::to_string(bits) +
+                       (hasVTOR ? " vtor" : ""));
+          checkGroup(secure[i].stem, secure[i].group, {core, hasVTOR, bits, false});
+          if (alias[i].group == nullptr) continue;
+          checkGroup(alias[i].stem, alias[i].group, {core, hasVTOR, bits, true});
+          checkAlias(secure[i].stem, secure[i].group, alias[i].group, core);
+        }
+      }
+}
+
+// Each interrupt up to the highest named one has a bit in one register of every row
+// and the top prioBits bits of a byte in the priority registers; unnamed interrupts
+// leave gaps in the fields, not in the registers.
+std::string expectedNVIC(int32_t core, uint32_t prioBits, bool nonSecure, int32_t highest) {
+  struct Row { const char* stem; uint32_t base; const char* access; };
+  std::vector<Row> rows = {{"ISER", 0xE000E100, ""}, {"ICER", 0xE000E180, ""}, {"ISPR", 0xE000E200, ""},
+                           {"ICPR", 0xE000E280, ""}, {"IABR", 0xE000E300, " ReadOnly"}};
+  if ((core == 23 || core == 33) && !nonSecure) rows.push_back({"ITNS", 0xE000E380, ""});
+  const std::string suffix = nonSecure ? "_NS" : "";
+  const uint32_t offset = nonSecure ? kAliasOffset : 0;
+  auto registerText = [&](const std::string& name, uint32_t address, const char* access, int first, int count,
+                          auto position) {
+    std::string text = name + suffix + " " + hexText(address + offset, true) + access + ":";
+    std::string separator = " ";
+    for (const auto& [number, interrupt] : kInterrupts)
+      if (number >= first && number < first + count && number <= highest) {
+        text += separator + interrupt + " " + position(number);
+        separator = ", ";
+      }
+    return text;
+  };
+  std::string text;
+  for (const Row& row : rows)
+    for (int r = 0; r <= highest / 32; ++r)
+      text += (text.empty() ? "" : "; ") +
+              registerText("NVIC_" + std::string(row.stem) + std::to_string(r), row.base + 4 * r, row.access, 32 * r, 32,
+                           [](int i) { return std::to_string(i % 32) + ":1"; });
+  for (int r = 0; r <= highest / 4; ++r)
+    text += (text.empty() ? "" : "; ") +
+            registerText("NVIC_IPR" + std::to_string(r), 0xE000E400 + 4 * r, "", 4 * r, 4, [&](int i) {
+              return std::to_string(i % 4 * 8 + 8 - static_cast<int>(prioBits)) + ":" + std::to_string(prioBits);
+            });
+  return text;
+}
+
+TEST(CoreGroupRules, NVICBitsFollowTheInterruptNumbers) {
+  for (int32_t core : kCores)
+    for (uint32_t bits = 0; bits <= 8; ++bits)
+      for (bool nonSecure : {false, true})
+        for (int32_t highest : {0, 5, 31, 32, 47}) {
+          CoreDocument document(kInterrupts);
+          document.file.highestInterrupt = highest;
+          MemoryMapElement* group = addNVICGroup(document.file, core, bits, 0, true, nonSecure);
+          EXPECT_EQ(listing(group), expectedNVIC(core, bits, nonSecure, highest))
+              << core << " bits " << bits << (nonSecure ? " alias" : "") << " highest " << highest;
+        }
+}
+
+}  // namespace
+}  // namespace regmill
