@@ -2,6 +2,7 @@
 
 #include "expr/parser_exception.h"
 #include "expr/simple_expression_parser.h"
+#include "tests/support/tree_dump.h"
 
 namespace regmill {
 namespace {
@@ -14,12 +15,7 @@ QString treeOf(const char* text) {
 
 QString syntaxError(const QString& text) {
   SimpleExpressionParser parser;
-  try {
-    parser.parseTree(text);
-  } catch (const ParserException& e) {
-    return e.message();
-  }
-  return QStringLiteral("<no error>");
+  return QString::fromStdString(testing::failureMessage<ParserException>([&] { parser.parseTree(text); }));
 }
 
 struct TreeCase {

@@ -62,17 +62,6 @@ TEST(CStyleLexer, SkipsUnicodeWhiteSpace) {
   EXPECT_EQ(tokensOf(lexer, QStringLiteral("\t1\u00a0+\n2  ")), expected);
 }
 
-TEST(CStyleLexer, BinaryOperatorsCarryTheirLevel) {
-  CStyleLexer lexer;
-  const std::pair<const char*, int> cases[] = {{"*", 9}, {"%", 9}, {"-", 8}, {"<<", 7}, {">>>", 7}, {">=", 6},
-                                               {"!=", 5}, {"&", 4}, {"^", 3}, {"|", 2}, {"&&", 1}, {"||", 0},
-                                               {"?", -1}, {"=", -2}, {"|=", -3}, {",", -4}, {"!", 10}, {"a", 10}};
-  for (const auto& [text, precedence] : cases) {
-    lexer.setText(QString::fromLatin1(text));
-    EXPECT_EQ(lexer.precedence(), precedence) << text;
-  }
-}
-
 TEST(CStyleLexer, EndOfInputKeepsThePrecedenceOfTheTokenBefore) {
   CStyleLexer lexer;
   lexer.setText(QStringLiteral("1 +"));
@@ -81,18 +70,6 @@ TEST(CStyleLexer, EndOfInputKeepsThePrecedenceOfTheTokenBefore) {
   EXPECT_EQ(lexer.token(), EndOfInput);
   EXPECT_EQ(lexer.precedence(), 8);
   EXPECT_EQ(lexer.position(), 3);
-}
-
-TEST(CStyleLexer, UnrecognisedTokenQuotesTheRestOfTheInput) {
-  CStyleLexer lexer;
-  lexer.setText(QStringLiteral("1 + \"open"));
-  lexer.next();
-  try {
-    lexer.next();
-    FAIL() << "no exception";
-  } catch (const ParserException& e) {
-    EXPECT_EQ(e.message(), QStringLiteral("unrecognised token: \"open"));
-  }
 }
 
 // A lexer that replaces some identifiers, the way a macro-aware subclass would.
