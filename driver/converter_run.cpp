@@ -40,8 +40,8 @@ int failWriting(const std::string& name) {
 
 // TCF and RDT inputs are XML files loaded into a plain document with text nodes off.
 bool readXmlInput(const std::string& input, bool isTCF, SVDFile& file, std::string& failedName) {
-  XMLDocument document(false);
-  if (!document.load(input.c_str())) return false;
+  XMLDocument document(false, XMLStorage::Arena);
+  if (!document.load(input.c_str()).ok()) return false;
   if (isTCF) {
     readTCF(document.root(), file);  // the result is not looked at
     return true;
@@ -114,7 +114,7 @@ int runConverter(const RunOptions& options, SVDFile& file) {
   if (options.includeFile) addIncludeElement(options, file);
 
   const std::string& output = options.positional[1];
-  if (!file.save(fromBytes(output), 2, 0)) return failWriting(output);
+  if (!file.save(fromBytes(output), 2, 0).ok()) return failWriting(output);
 
   if (options.vectorTableName) {
     std::string vectorFile;

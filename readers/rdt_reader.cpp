@@ -55,8 +55,8 @@ class RDTBuilder {
     group->setAttributeCopy("name", instance->getAttribute("id"));
     group->setAttributeCopy("start", instance->getAttribute("baseaddr"));
     const char* file = instance->getAttribute("xml");
-    XMLDocument registers(false);
-    if (file == nullptr || !registers.load(file)) {
+    XMLDocument registers(false, XMLStorage::Arena);
+    if (file == nullptr || !registers.load(file).ok()) {
       failedFile_ = file == nullptr ? "" : file;
       return false;
     }

@@ -49,17 +49,18 @@ bool readDevice(SVDFile& file, const XMLNode* firstTopLevelNode, uint32_t flags,
   return !context.output.refused();
 }
 
+// The SVD text is parsed, read and thrown away, so its tree lives in an arena.
 bool loadSVDFromText(SVDFile& file, const char* text, uint32_t flags, const char* ignoreName, size_t elementLimit) {
   makeProcessorRoot(file);
-  QXMLDocument svd(true);
-  if (!svd.parse(text)) return false;
+  XMLDocument svd(true, XMLStorage::Arena);
+  if (!svd.parse(text).ok()) return false;
   return readDevice(file, svd.root(), flags, ignoreName, elementLimit);
 }
 
 bool loadSVD(SVDFile& file, const QString& path, uint32_t flags, const char* ignoreName) {
   makeProcessorRoot(file);
-  QXMLDocument svd(true);
-  if (!svd.load(path)) return false;
+  XMLDocument svd(true, XMLStorage::Arena);
+  if (!svd.load(path.toLocal8Bit().constData()).ok()) return false;
   return readDevice(file, svd.root(), flags, ignoreName);
 }
 

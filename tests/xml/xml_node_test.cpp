@@ -7,7 +7,7 @@
 #include <string>
 
 #include "tests/xml/xml_test_support.h"
-#include "xml/xml_document.h"
+#include "xml/qt_xml_document.h"
 
 namespace regmill {
 namespace {

@@ -47,7 +47,7 @@ std::string writeToString(XMLDocument& document, unsigned indentation, unsigned 
   size_t size = 0;
   std::FILE* stream = open_memstream(&buffer, &size);
   if (stream == nullptr) std::abort();
-  document.write(stream, indentation, maxLineLength);
+  if (!document.write(stream, indentation, maxLineLength).ok()) std::abort();
   std::fclose(stream);
   std::string text(buffer, size);
   std::free(buffer);
