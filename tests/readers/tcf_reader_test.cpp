@@ -11,7 +11,8 @@ std::string convert(const char* text) {
   XMLDocument input(false);
   input.parse(text);
   SVDFile document;
-  std::string verdict = readTCF(input.root(), document) ? "" : "(false)";
+  Expected<bool> read = readTCF(input.root(), document);
+  std::string verdict = read.ok() && *read ? "" : "(false)";
   return verdict + writtenText(document);
 }
 
