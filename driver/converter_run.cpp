@@ -112,7 +112,7 @@ int runSteps(const RunOptions& options, SVDFile& file) {
     // The header's message has no line feed behind it.
     if (!applyCmsisHeader(options.headerFile->c_str(), file))
       return fail("couldn't read header file " + *options.headerFile);
-    readerFlags |= KeepCoreInfo | KeepInterrupts;
+    readerFlags |= flagBit(SVDReaderFlag::KeepCoreInfo) | flagBit(SVDReaderFlag::KeepInterrupts);
   }
 
   const std::string& input = options.positional[0];
@@ -126,7 +126,7 @@ int runSteps(const RunOptions& options, SVDFile& file) {
   if (options.nvicPrioBits != 0) {
     file.removeGroups({QStringLiteral("NVIC")});
     addNVICGroup(file, static_cast<int32_t>(options.coreNumber), options.nvicPrioBits, options.firstVectorEntry,
-                 (readerFlags & IgnoreDescription) == 0, false);
+                 !hasFlag(readerFlags, SVDReaderFlag::IgnoreDescription), false);
   }
   if (options.addPPBGroups) addPPBGroups(file);
   if (options.includeFile) addIncludeElement(options, file);

@@ -44,7 +44,7 @@ Status readDevice(SVDFile& file, const XMLNode* firstTopLevelNode, uint32_t flag
   ChildTable children(device);
   readDeviceTexts(context, children);
   if (const XMLElement* peripherals = children.find(SVDTag::Peripherals)) readPeripherals(context, peripherals);
-  if (const XMLElement* cpu = children.find(SVDTag::Cpu); cpu != nullptr && !context.has(KeepCoreInfo))
+  if (const XMLElement* cpu = children.find(SVDTag::Cpu); cpu != nullptr && !context.has(SVDReaderFlag::KeepCoreInfo))
     readCoreValues(file, cpu);
   if (context.output.refused()) return Status::failure("the arrays ask for more elements than a read may make");
   return Status();
