@@ -31,7 +31,7 @@ inline std::string writtenText(XMLDocument& document) {
   char* bytes = nullptr;
   size_t size = 0;
   std::FILE* stream = open_memstream(&bytes, &size);
-  document.write(stream, 2, 0);
+  document.write(stream, 2, 0).ignore();
   std::fclose(stream);
   std::string text(bytes, size);
   std::free(bytes);

@@ -46,7 +46,7 @@ bool isOneOf(const char* value, std::initializer_list<const char*> allowed) {
 void expectReadableMap(SVDFile& file) {
   std::FILE* stream = std::tmpfile();
   ASSERT_NE(stream, nullptr);
-  file.write(stream, 2, 0);
+  ASSERT_TRUE(file.write(stream, 2, 0));
   XMLDocument back(false);
   EXPECT_TRUE(back.load(stream));
   std::fclose(stream);
