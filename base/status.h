@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <type_traits>
 #include <utility>
 #include <variant>
 
@@ -54,7 +55,12 @@ class [[nodiscard]] Expected {
   Expected(Status failure) : content_(std::move(failure)) {}
 
   bool ok() const { return content_.index() == 0; }
-  explicit operator bool() const { return ok(); }
+  // Left out for a bool value, where a test of the result would read as its value.
+  explicit operator bool() const
+    requires(!std::is_same_v<T, bool>)
+  {
+    return ok();
+  }
 
   T& value() { return std::get<0>(content_); }
   const T& value() const { return std::get<0>(content_); }
@@ -65,6 +71,9 @@ class [[nodiscard]] Expected {
 
   // Success when there is a value.
   Status status() const { return ok() ? Status() : std::get<1>(content_); }
+
+  // Marks the result as looked at and deliberately set aside.
+  void ignore() const {}
 
  private:
   std::variant<T, Status> content_;

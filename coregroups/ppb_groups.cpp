@@ -6,7 +6,7 @@
 #include "coregroups/sau_group.h"
 #include "coregroups/scb_group.h"
 #include "coregroups/systick_group.h"
-#include "expr/compute_addresses.h"
+#include "memorymap/compute_addresses.h"
 
 namespace regmill {
 

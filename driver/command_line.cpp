@@ -42,8 +42,8 @@ struct OptionRule {
 };
 
 constexpr OptionRule kOptions[] = {
-    {"-reg-size-bytes", nullptr, [](RunOptions& o, const char*) { o.readerFlags |= RegSizeInBytes; }},
-    {"-ignore-description", nullptr, [](RunOptions& o, const char*) { o.readerFlags |= IgnoreDescription; }},
+    {"-reg-size-bytes", nullptr, [](RunOptions& o, const char*) { o.readerFlags |= flagBit(SVDReaderFlag::RegSizeInBytes); }},
+    {"-ignore-description", nullptr, [](RunOptions& o, const char*) { o.readerFlags |= flagBit(SVDReaderFlag::IgnoreDescription); }},
     {"-irq-table", "Filename required for -irq-table option\n",
      [](RunOptions& o, const char* v) { o.vectorTableName = v; }},
     {"-irq-start", "Size required for -irq-start option\n",

@@ -1,10 +1,13 @@
 #include "driver/converter_run.h"
 
 #include <cstdio>
+#include <new>
+#include <optional>
 
 #include <QString>
 #include <QStringList>
 
+#include "base/input_file.h"
 #include "coregroups/ppb_groups.h"
 #include "driver/header_scan.h"
 #include "driver/vector_table.h"
@@ -28,42 +31,57 @@ QStringList splitList(const std::string& text) {
   return fromBytes(text).split(QLatin1Char(';'));
 }
 
-int failReading(const std::string& name) {
-  std::fprintf(stderr, "error: read of %s failed\n", name.c_str());
+int fail(const std::string& line) {
+  std::fputs(line.c_str(), stderr);
   return 1;
 }
 
-int failWriting(const std::string& name) {
-  std::fprintf(stderr, "error: write of %s failed\n", name.c_str());
-  return 1;
+// Two outputs, or an output and an input, that name one file would overwrite each
+// other: the run is refused before anything is read or written.
+std::optional<std::string> nameClash(const RunOptions& options) {
+  const std::string& input = options.positional[0];
+  const std::string& output = options.positional[1];
+  if (namesSameFile(input, output)) return "error: the memory-map file " + output + " is also the input\n";
+  if (options.headerFile && !options.interruptList && namesSameFile(*options.headerFile, output))
+    return "error: the memory-map file " + output + " is also the header file\n";
+  if (!options.vectorTableName) return std::nullopt;
+  std::string vectorFile = vectorTableFileName(*options.vectorTableName);
+  if (namesSameFile(vectorFile, output))
+    return "error: the vector table " + vectorFile + " is also the memory-map file\n";
+  if (namesSameFile(vectorFile, input)) return "error: the vector table " + vectorFile + " is also the input\n";
+  if (options.headerFile && !options.interruptList && namesSameFile(*options.headerFile, vectorFile))
+    return "error: the vector table " + vectorFile + " is also the header file\n";
+  return std::nullopt;
 }
+
+// A failure of the board readers: whether the tree has the format's shape is not
+// looked at, only whether the read itself failed.
+Status readFailure(const Expected<bool>& result) { return result.status(); }
 
 // TCF and RDT inputs are XML files loaded into a plain document with text nodes off.
-bool readXmlInput(const std::string& input, bool isTCF, SVDFile& file, std::string& failedName) {
-  XMLDocument document(false);
-  if (!document.load(input.c_str())) return false;
-  if (isTCF) {
-    readTCF(document.root(), file);  // the result is not looked at
-    return true;
-  }
-  RDTReadResult result = readRDT(document.root(), file);
-  if (result.unreadableFile) {
-    failedName = *result.unreadableFile;
-    return false;
-  }
-  return true;
+Status readXmlInput(const std::string& input, bool isTCF, SVDFile& file) {
+  XMLDocument document(false, XMLStorage::Arena);
+  if (Status loaded = document.load(input.c_str()); !loaded) return loaded;
+  return readFailure(isTCF ? readTCF(document.root(), file) : readRDT(document.root(), file));
 }
 
 // Reads the input with the first reader of TCF, DDF, RDT that the options name, else
-// SVD; false after a read failure, whose message names `failedName`.
-bool readInput(const RunOptions& options, uint32_t readerFlags, SVDFile& file, std::string& failedName) {
+// SVD.
+Status readInput(const RunOptions& options, uint32_t readerFlags, SVDFile& file) {
   const std::string& input = options.positional[0];
-  failedName = input;
-  if (options.inputIsTCF) return readXmlInput(input, true, file, failedName);
+  if (options.inputIsTCF) return readXmlInput(input, true, file);
   if (options.inputIsDDF) return readDDF(input.c_str(), file);
-  if (options.inputIsRDT) return readXmlInput(input, false, file, failedName);
+  if (options.inputIsRDT) return readXmlInput(input, false, file);
   const char* ignoredName = options.ignoredName ? options.ignoredName->c_str() : nullptr;
   return loadSVD(file, fromBytes(input), readerFlags, ignoredName);
+}
+
+// The file a read failure names: an instance file of an RDT input that could not be
+// read, else the input itself.
+std::string failedInputName(const RunOptions& options, const Status& failure) {
+  if (options.inputIsRDT && !options.inputIsTCF && !options.inputIsDDF && !failure.file().empty())
+    return failure.file();
+  return options.positional[0];
 }
 
 bool needsRoot(const RunOptions& options) {
@@ -78,9 +96,9 @@ void addIncludeElement(const RunOptions& options, SVDFile& file) {
   include->setAttributeCopy("no_root", "1");
 }
 
-}  // namespace
+int runSteps(const RunOptions& options, SVDFile& file) {
+  if (std::optional<std::string> clash = nameClash(options)) return fail(*clash);
 
-int runConverter(const RunOptions& options, SVDFile& file) {
   uint32_t readerFlags = options.readerFlags;
   if (options.vectorTableName || options.nvicPrioBits != 0 || options.addPPBGroups) {
     file.setInterruptTableSize(kInterruptTableSize);
@@ -91,37 +109,48 @@ int runConverter(const RunOptions& options, SVDFile& file) {
   if (options.interruptList) {
     file.setInterruptNames(splitList(*options.interruptList));
   } else if (options.headerFile) {
-    if (!applyCmsisHeader(options.headerFile->c_str(), file)) {
-      std::fprintf(stderr, "couldn't read header file %s", options.headerFile->c_str());
-      return 1;
-    }
-    readerFlags |= KeepCoreInfo | KeepInterrupts;
+    // The header's message has no line feed behind it.
+    if (!applyCmsisHeader(options.headerFile->c_str(), file))
+      return fail("couldn't read header file " + *options.headerFile);
+    readerFlags |= flagBit(SVDReaderFlag::KeepCoreInfo) | flagBit(SVDReaderFlag::KeepInterrupts);
   }
 
-  std::string failedName;
-  if (!readInput(options, readerFlags, file, failedName)) return failReading(failedName);
+  const std::string& input = options.positional[0];
+  if (Status read = readInput(options, readerFlags, file); !read)
+    return fail("error: read of " + failedInputName(options, read) + " failed\n");
   // An input that left no root element cannot take removals, groups or an include;
   // it fails as an unreadable input would.
-  if (needsRoot(options) && file.root() == nullptr) return failReading(options.positional[0]);
+  if (needsRoot(options) && file.root() == nullptr) return fail("error: read of " + input + " failed\n");
 
   if (options.removalList) file.removeGroups(splitList(*options.removalList));
   if (options.nvicPrioBits != 0) {
     file.removeGroups({QStringLiteral("NVIC")});
     addNVICGroup(file, static_cast<int32_t>(options.coreNumber), options.nvicPrioBits, options.firstVectorEntry,
-                 (readerFlags & IgnoreDescription) == 0, false);
+                 !hasFlag(readerFlags, SVDReaderFlag::IgnoreDescription), false);
   }
   if (options.addPPBGroups) addPPBGroups(file);
   if (options.includeFile) addIncludeElement(options, file);
 
+  // The map is finished first; a vector table that fails then leaves it in place.
   const std::string& output = options.positional[1];
-  if (!file.save(fromBytes(output), 2, 0)) return failWriting(output);
-
+  if (!file.save(fromBytes(output), 2, 0)) return fail("error: write of " + output + " failed\n");
   if (options.vectorTableName) {
-    std::string vectorFile;
-    if (!writeVectorTable(file, *options.vectorTableName, options.firstVectorEntry, vectorFile))
-      return failWriting(vectorFile);
+    std::string vectorFile = vectorTableFileName(*options.vectorTableName);
+    if (!writeVectorTable(file, vectorFile, options.firstVectorEntry))
+      return fail("error: write of " + vectorFile + " failed\n");
   }
   return 0;
+}
+
+}  // namespace
+
+int runConverter(const RunOptions& options, SVDFile& file) {
+  try {
+    return runSteps(options, file);
+  } catch (const std::bad_alloc&) {
+    std::fputs("error: out of memory\n", stderr);
+    return 1;
+  }
 }
 
 }  // namespace regmill

@@ -10,7 +10,9 @@ namespace regmill {
 
 class SVDFile;
 
-// Runs the conversion into `file`; messages go to stderr. Gives the exit code.
+// Runs the conversion into `file` and gives the exit code. This is the one place
+// where a failure of any step becomes the user's line on stderr; running out of
+// memory is such a failure too.
 int runConverter(const RunOptions& options, SVDFile& file);
 
 }  // namespace regmill

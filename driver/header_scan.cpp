@@ -100,23 +100,24 @@ QStringList namesByPosition(const std::vector<EnumeratedName>& pairs, size_t tab
 
 }  // namespace
 
-bool scanCmsisHeader(const char* path, size_t tableSize, HeaderScanResult& result) {
+Status scanCmsisHeader(const char* path, size_t tableSize, HeaderScanResult& result) {
   TextFileReader reader;
-  if (!reader.open(path).ok()) return false;
+  if (Status opened = reader.open(path); !opened) return opened;
   std::vector<EnumeratedName> pairs = scanEnumerators(reader);
   reader.rewind();
   scanCoreMacros(reader, result);
   result.interruptNames = namesByPosition(pairs, tableSize);
-  return true;
+  return Status();
 }
 
-bool applyCmsisHeader(const char* path, SVDFile& file) {
+Status applyCmsisHeader(const char* path, SVDFile& file) {
   HeaderScanResult result;
-  if (!scanCmsisHeader(path, static_cast<size_t>(file.interruptTableSize), result)) return false;
+  Status scanned = scanCmsisHeader(path, static_cast<size_t>(file.interruptTableSize), result);
+  if (!scanned) return scanned;
   file.setInterruptNames(result.interruptNames);
   file.setCoreInfo(result.coreNumber, result.hasVTOR, result.nvicPrioBits, result.mpuPresentDigit != 0,
                    result.fpuPresentDigit != 0);
-  return true;
+  return Status();
 }
 
 }  // namespace regmill

@@ -8,6 +8,8 @@
 
 #include <QStringList>
 
+#include "base/status.h"
+
 namespace regmill {
 
 class SVDFile;
@@ -22,13 +24,13 @@ struct HeaderScanResult {
   bool hasVTOR = false;
 };
 
-// False when the header cannot be opened. Lines are read in pieces of at most 1023
+// Fails when the header cannot be read. Lines are read in pieces of at most 1023
 // bytes, so a longer line is seen as several lines. Names at positions of
 // `tableSize` and above are not kept: they could never reach the table.
-bool scanCmsisHeader(const char* path, size_t tableSize, HeaderScanResult& result);
+Status scanCmsisHeader(const char* path, size_t tableSize, HeaderScanResult& result);
 
 // The scan applied to the document: names through setInterruptNames, then the core
-// data through setCoreInfo. False when the header cannot be opened.
-bool applyCmsisHeader(const char* path, SVDFile& file);
+// data through setCoreInfo. Fails when the header cannot be read.
+Status applyCmsisHeader(const char* path, SVDFile& file);
 
 }  // namespace regmill

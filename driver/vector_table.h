@@ -5,11 +5,18 @@
 #include <cstdint>
 #include <string>
 
+#include "base/status.h"
+
 namespace regmill {
 
 class SVDFile;
 
-// Writes "<name>.vec"; false when it cannot be opened. `fileName` gets the built name.
-bool writeVectorTable(const SVDFile& file, const std::string& name, uint32_t firstEntry, std::string& fileName);
+// The file name of the table `name`: "<name>.vec".
+std::string vectorTableFileName(const std::string& name);
+
+// Writes the table to `fileName`, replacing the file only once it is complete. An
+// interrupt name that holds a line break would put a line of its own into the
+// assembler source: the table is refused then, and nothing is written.
+Status writeVectorTable(const SVDFile& file, const std::string& fileName, uint32_t firstEntry);
 
 }  // namespace regmill

@@ -6,7 +6,7 @@
 
 namespace regmill {
 
-enum CToken : int {
+enum class CToken : int {
   EndOfInput = 0,
   WhiteSpace = 2,
   DecimalInteger = 3,

@@ -42,46 +42,46 @@ std::unique_ptr<Expression> makeBinary(ExpressionParser& parser, std::unique_ptr
 }
 
 // The node of a plain binary operator token, or null for a token that has none.
-std::unique_ptr<Expression> makeOperator(ExpressionParser& parser, int token, std::unique_ptr<Expression> left,
+std::unique_ptr<Expression> makeOperator(ExpressionParser& parser, CToken token, std::unique_ptr<Expression> left,
                                          std::unique_ptr<Expression> right) {
   switch (token) {
-    case Star: return makeBinary<MultiplyExpression>(parser, std::move(left), std::move(right));
-    case Slash: return makeBinary<DivideExpression>(parser, std::move(left), std::move(right));
-    case Percent: return makeBinary<ModExpression>(parser, std::move(left), std::move(right));
-    case PlusSign: return makeBinary<PlusExpression>(parser, std::move(left), std::move(right));
-    case MinusSign: return makeBinary<MinusExpression>(parser, std::move(left), std::move(right));
-    case ShiftLeft: return makeBinary<LshiftExpression>(parser, std::move(left), std::move(right));
-    case ShiftRight: return makeBinary<RshiftExpression>(parser, std::move(left), std::move(right));
-    case Less: return makeBinary<LtExpression>(parser, std::move(left), std::move(right));
-    case LessEqual: return makeBinary<LeExpression>(parser, std::move(left), std::move(right));
-    case Greater: return makeBinary<GtExpression>(parser, std::move(left), std::move(right));
-    case GreaterEqual: return makeBinary<GeExpression>(parser, std::move(left), std::move(right));
-    case EqualEqual: return makeBinary<EqExpression>(parser, std::move(left), std::move(right));
-    case NotEqual: return makeBinary<NeExpression>(parser, std::move(left), std::move(right));
-    case Ampersand: return makeBinary<BitAndExpression>(parser, std::move(left), std::move(right));
-    case Caret: return makeBinary<BitXorExpression>(parser, std::move(left), std::move(right));
-    case Bar: return makeBinary<BitOrExpression>(parser, std::move(left), std::move(right));
-    case AndAnd: return makeBinary<LogicalAndExpression>(parser, std::move(left), std::move(right));
-    case BarBar: return makeBinary<LogicalOrExpression>(parser, std::move(left), std::move(right));
-    case Assign: return makeBinary<AssignExpression>(parser, std::move(left), std::move(right));
+    case CToken::Star: return makeBinary<MultiplyExpression>(parser, std::move(left), std::move(right));
+    case CToken::Slash: return makeBinary<DivideExpression>(parser, std::move(left), std::move(right));
+    case CToken::Percent: return makeBinary<ModExpression>(parser, std::move(left), std::move(right));
+    case CToken::PlusSign: return makeBinary<PlusExpression>(parser, std::move(left), std::move(right));
+    case CToken::MinusSign: return makeBinary<MinusExpression>(parser, std::move(left), std::move(right));
+    case CToken::ShiftLeft: return makeBinary<LshiftExpression>(parser, std::move(left), std::move(right));
+    case CToken::ShiftRight: return makeBinary<RshiftExpression>(parser, std::move(left), std::move(right));
+    case CToken::Less: return makeBinary<LtExpression>(parser, std::move(left), std::move(right));
+    case CToken::LessEqual: return makeBinary<LeExpression>(parser, std::move(left), std::move(right));
+    case CToken::Greater: return makeBinary<GtExpression>(parser, std::move(left), std::move(right));
+    case CToken::GreaterEqual: return makeBinary<GeExpression>(parser, std::move(left), std::move(right));
+    case CToken::EqualEqual: return makeBinary<EqExpression>(parser, std::move(left), std::move(right));
+    case CToken::NotEqual: return makeBinary<NeExpression>(parser, std::move(left), std::move(right));
+    case CToken::Ampersand: return makeBinary<BitAndExpression>(parser, std::move(left), std::move(right));
+    case CToken::Caret: return makeBinary<BitXorExpression>(parser, std::move(left), std::move(right));
+    case CToken::Bar: return makeBinary<BitOrExpression>(parser, std::move(left), std::move(right));
+    case CToken::AndAnd: return makeBinary<LogicalAndExpression>(parser, std::move(left), std::move(right));
+    case CToken::BarBar: return makeBinary<LogicalOrExpression>(parser, std::move(left), std::move(right));
+    case CToken::Assign: return makeBinary<AssignExpression>(parser, std::move(left), std::move(right));
     default: return nullptr;
   }
 }
 
-// The operator inside a compound assignment token, or 0.
-int compoundOperator(int token) {
+// The operator inside a compound assignment token, or EndOfInput.
+CToken compoundOperator(CToken token) {
   switch (token) {
-    case StarAssign: return Star;
-    case SlashAssign: return Slash;
-    case PercentAssign: return Percent;
-    case PlusAssign: return PlusSign;
-    case MinusAssign: return MinusSign;
-    case ShiftLeftAssign: return ShiftLeft;
-    case ShiftRightAssign: return ShiftRight;
-    case AndAssign: return Ampersand;
-    case XorAssign: return Caret;
-    case OrAssign: return Bar;
-    default: return 0;
+    case CToken::StarAssign: return CToken::Star;
+    case CToken::SlashAssign: return CToken::Slash;
+    case CToken::PercentAssign: return CToken::Percent;
+    case CToken::PlusAssign: return CToken::PlusSign;
+    case CToken::MinusAssign: return CToken::MinusSign;
+    case CToken::ShiftLeftAssign: return CToken::ShiftLeft;
+    case CToken::ShiftRightAssign: return CToken::ShiftRight;
+    case CToken::AndAssign: return CToken::Ampersand;
+    case CToken::XorAssign: return CToken::Caret;
+    case CToken::OrAssign: return CToken::Bar;
+    default: return CToken::EndOfInput;
   }
 }
 
@@ -91,8 +91,8 @@ QString withoutQuotes(const QString& text) { return text.mid(1, text.size() - 2)
 
 void ExpressionGrammar::fail(const char* message) { throw ParserException(QString::fromLatin1(message)); }
 
-void ExpressionGrammar::expect(int token, const char* message) {
-  if (lexer_.token() != token) fail(message);
+void ExpressionGrammar::expect(CToken token, const char* message) {
+  if (current() != token) fail(message);
   lexer_.next();
 }
 
@@ -113,7 +113,7 @@ ExpressionGrammar::Node ExpressionGrammar::parseBinary(int minimumLevel) {
   Node left = parseUnary();
   while (isBinaryLevel(lexer_.precedence()) && lexer_.precedence() >= minimumLevel) {
     int level = lexer_.precedence();
-    int token = lexer_.token();
+    CToken token = current();
     lexer_.next();
     Node right = parseBinary(level + 1);
     left = bounded(combine(token, std::move(left), std::move(right)));
@@ -124,8 +124,8 @@ ExpressionGrammar::Node ExpressionGrammar::parseBinary(int minimumLevel) {
 // A compound assignment a op= b is a = a op b with a copy of a as its target.
 // Operators without a node ("?", ",", ">>>" and ">>>=") are refused once their
 // right operand has been read.
-ExpressionGrammar::Node ExpressionGrammar::combine(int token, Node left, Node right) {
-  if (int op = compoundOperator(token)) {
+ExpressionGrammar::Node ExpressionGrammar::combine(CToken token, Node left, Node right) {
+  if (CToken op = compoundOperator(token); op != CToken::EndOfInput) {
     Node target = left->clone();
     Node value = makeOperator(parser_, op, std::move(left), std::move(right));
     return std::make_unique<AssignExpression>(parser_, std::move(target), std::move(value));
@@ -141,57 +141,57 @@ ExpressionGrammar::Node ExpressionGrammar::parseUnary() {
 }
 
 ExpressionGrammar::Node ExpressionGrammar::parsePrefixed() {
-  switch (lexer_.token()) {
-    case DecimalInteger:
-    case HexInteger:
-    case BinaryInteger:
-    case FloatNumber:
+  switch (current()) {
+    case CToken::DecimalInteger:
+    case CToken::HexInteger:
+    case CToken::BinaryInteger:
+    case CToken::FloatNumber:
       return parseConstant();
-    case StringLiteral: {
+    case CToken::StringLiteral: {
       QString text = withoutQuotes(lexer_.text());
       lexer_.next();
       return std::make_unique<StringConstantExpression>(parser_, text);
     }
-    case RegisterName: {
+    case CToken::RegisterName: {
       QString name = lexer_.text().mid(1);
       lexer_.next();
       return std::make_unique<RegisterExpression>(parser_, name);
     }
-    case Identifier:
+    case CToken::Identifier:
       if (lexer_.text() == QLatin1String("sizeof")) return parseSizeof();
       if (lexer_.text() == QLatin1String("addressof")) return parseAddressofLine();
       return pathNode(parseIdentifierPath());
-    case ScopeSeparator:
+    case CToken::ScopeSeparator:
       lexer_.next();
       return std::make_unique<ScopedIdentifierExpression>(parser_, parseIdentifierPath());
-    case LeftParenthesis:
+    case CToken::LeftParenthesis:
       return parseParenthesized();
-    case Increment:
-    case Decrement: {
-      bool increment = lexer_.token() == Increment;
+    case CToken::Increment:
+    case CToken::Decrement: {
+      bool increment = current() == CToken::Increment;
       lexer_.next();
       return makeIncrement(parseUnary(), increment);
     }
-    case Tilde:
+    case CToken::Tilde:
       lexer_.next();
       return std::make_unique<BitNotExpression>(parser_, parseUnary());
-    case Exclamation:
+    case CToken::Exclamation:
       lexer_.next();
       return std::make_unique<LogicalNotExpression>(parser_, parseUnary());
-    case Star: {
+    case CToken::Star: {
       // *p reads element 0 of p.
       lexer_.next();
       Node operand = parseUnary();
       Node index = std::make_unique<ConstantExpression>(parser_, ExprValue::makeUnsigned(0, 2));
       return std::make_unique<LeftSquareBracketExpression>(parser_, std::move(operand), std::move(index));
     }
-    case PlusSign:
+    case CToken::PlusSign:
       lexer_.next();
       return parseUnary();
-    case MinusSign:
+    case CToken::MinusSign:
       lexer_.next();
       return std::make_unique<NegateExpression>(parser_, parseUnary());
-    case Ampersand:
+    case CToken::Ampersand:
       lexer_.next();
       return std::make_unique<AddressofExpression>(parser_, parseUnary());
     default:
@@ -201,7 +201,7 @@ ExpressionGrammar::Node ExpressionGrammar::parsePrefixed() {
 
 ExpressionGrammar::Node ExpressionGrammar::parseConstant() {
   QString text = lexer_.text();
-  bool isFloat = lexer_.token() == FloatNumber;
+  bool isFloat = current() == CToken::FloatNumber;
   lexer_.next();
   if (isFloat) return std::make_unique<FloatConstantExpression>(parser_, text.toDouble());
   return std::make_unique<IntegerConstantExpression>(parser_, integerValue(text));
@@ -211,7 +211,7 @@ ExpressionGrammar::Node ExpressionGrammar::parseConstant() {
 // else is an expression in parentheses.
 ExpressionGrammar::Node ExpressionGrammar::parseParenthesized() {
   lexer_.next();
-  if (lexer_.token() == Identifier) {
+  if (current() == CToken::Identifier) {
     Type type;
     if (lexer_.text() == QLatin1String("struct")) {
       lexer_.next();
@@ -224,54 +224,54 @@ ExpressionGrammar::Node ExpressionGrammar::parseParenthesized() {
     }
     if (type) {
       type = parseTypeSuffix(std::move(type));
-      expect(RightParenthesis, "')' expected");
+      expect(CToken::RightParenthesis, "')' expected");
       Node operand = parseUnary();
       return std::make_unique<CastExpression>(parser_, std::move(type), std::move(operand));
     }
   }
   Node inner = parseBinary(-4);
-  expect(RightParenthesis, "')' expected");
+  expect(CToken::RightParenthesis, "')' expected");
   return inner;
 }
 
 // A type in sizeof(...) takes no "*" or "[...]" after it.
 ExpressionGrammar::Node ExpressionGrammar::parseSizeof() {
   lexer_.next();
-  if (lexer_.token() != LeftParenthesis) return std::make_unique<SizeofExpression>(parser_, parseBinary(-4));
+  if (current() != CToken::LeftParenthesis) return std::make_unique<SizeofExpression>(parser_, parseBinary(-4));
   lexer_.next();
   if (Type type = parseType()) {
-    expect(RightParenthesis, "')' expected");
+    expect(CToken::RightParenthesis, "')' expected");
     return std::make_unique<SizeofExpression>(parser_, std::move(type));
   }
   Node operand = parseBinary(-4);
-  expect(RightParenthesis, "')' expected");
+  expect(CToken::RightParenthesis, "')' expected");
   return std::make_unique<SizeofExpression>(parser_, std::move(operand));
 }
 
 // addressof("file", line)
 ExpressionGrammar::Node ExpressionGrammar::parseAddressofLine() {
   lexer_.next();
-  expect(LeftParenthesis, "'(' expected");
-  if (lexer_.token() != StringLiteral) fail("string expected");
+  expect(CToken::LeftParenthesis, "'(' expected");
+  if (current() != CToken::StringLiteral) fail("string expected");
   QString file = withoutQuotes(lexer_.text());
   lexer_.next();
-  expect(Comma, "',' expected");
-  if (lexer_.token() != DecimalInteger) fail("int expected");
+  expect(CToken::Comma, "',' expected");
+  if (current() != CToken::DecimalInteger) fail("int expected");
   QByteArray line = lexer_.text().toLatin1();
   lexer_.next();
-  expect(RightParenthesis, "')' expected");
+  expect(CToken::RightParenthesis, "')' expected");
   return std::make_unique<AddressofLineExpression>(parser_, file,
                                                    parseNumber(std::string_view(line.constData(), line.size())));
 }
 
 // name, or name::name::...
 QStringList ExpressionGrammar::parseIdentifierPath() {
-  if (lexer_.token() != Identifier) fail("identifier expected");
+  if (current() != CToken::Identifier) fail("identifier expected");
   QStringList names{lexer_.text()};
   lexer_.next();
-  while (lexer_.token() == ScopeSeparator) {
+  while (current() == CToken::ScopeSeparator) {
     lexer_.next();
-    if (lexer_.token() != Identifier) fail("identifier expected after '::'");
+    if (current() != CToken::Identifier) fail("identifier expected after '::'");
     names.append(lexer_.text());
     lexer_.next();
   }
@@ -285,27 +285,27 @@ ExpressionGrammar::Node ExpressionGrammar::pathNode(QStringList names) {
 
 ExpressionGrammar::Node ExpressionGrammar::parsePostfix(Node tree) {
   for (;;) {
-    switch (lexer_.token()) {
-      case LeftBracket: {
+    switch (current()) {
+      case CToken::LeftBracket: {
         lexer_.next();
         Node index = parseBinary(-4);
-        expect(RightBracket, "expected ']'");
+        expect(CToken::RightBracket, "expected ']'");
         tree = std::make_unique<LeftSquareBracketExpression>(parser_, std::move(tree), std::move(index));
         break;
       }
-      case Period:
-      case Arrow:
+      case CToken::Period:
+      case CToken::Arrow:
         lexer_.next();
         tree = std::make_unique<DotExpression>(parser_, std::move(tree), pathNode(parseIdentifierPath()));
         break;
-      case Increment:
-      case Decrement: {
-        bool increment = lexer_.token() == Increment;
+      case CToken::Increment:
+      case CToken::Decrement: {
+        bool increment = current() == CToken::Increment;
         lexer_.next();
         tree = makeIncrement(std::move(tree), increment);
         break;
       }
-      case LeftParenthesis:
+      case CToken::LeftParenthesis:
         tree = parseCall(std::move(tree));
         break;
       default:
@@ -320,9 +320,9 @@ ExpressionGrammar::Node ExpressionGrammar::parsePostfix(Node tree) {
 ExpressionGrammar::Node ExpressionGrammar::parseCall(Node callee) {
   lexer_.next();
   std::vector<Node> arguments;
-  while (lexer_.token() != RightParenthesis) {
+  while (current() != CToken::RightParenthesis) {
     arguments.push_back(parseUnary());
-    if (lexer_.token() == Comma) lexer_.next();
+    if (current() == CToken::Comma) lexer_.next();
   }
   lexer_.next();
   return std::make_unique<CallExpression>(parser_, std::move(callee), std::move(arguments));

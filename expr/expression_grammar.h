@@ -11,6 +11,7 @@
 #include <memory>
 
 #include "expr/base_type.h"
+#include "expr/c_style_lexer.h"
 #include "expr/expression.h"
 
 namespace regmill {
@@ -33,7 +34,7 @@ class ExpressionGrammar {
   class DepthGuard;
 
   Node parseBinary(int minimumLevel);
-  Node combine(int token, Node left, Node right);
+  Node combine(CToken token, Node left, Node right);
   Node parseUnary();
   Node parsePrefixed();
   Node parseConstant();
@@ -53,13 +54,16 @@ class ExpressionGrammar {
   Type parseRegisterType();
 
   // Passes over the current token if it is token, else throws message.
-  void expect(int token, const char* message);
+  void expect(CToken token, const char* message);
   [[noreturn]] void fail(const char* message);
   Node bounded(Node node);
   Type bounded(Type type);
 
   ExpressionParser& parser_;
   Lexer& lexer_;
+
+  // The lexer's current token, as the token rules of the language number it.
+  CToken current() const { return static_cast<CToken>(lexer_.token()); }
   int depth_ = 0;
 };
 

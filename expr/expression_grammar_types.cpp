@@ -51,7 +51,7 @@ ExpressionGrammar::Type ExpressionGrammar::parseType() {
     }
     lexer_.next();
     if (type) return type;
-    if (lexer_.token() != Identifier || !specifierSeen) break;
+    if (current() != CToken::Identifier || !specifierSeen) break;
   }
   if (!specifierSeen) return nullptr;
   return std::make_unique<SimpleType>(longSeen ? SimpleType::Long : SimpleType::Int, unsignedSeen);
@@ -61,49 +61,49 @@ ExpressionGrammar::Type ExpressionGrammar::parseType() {
 // until the parser knows it as a type. True with the lexer on the name's last
 // token; false with it on the token that ended the name.
 bool ExpressionGrammar::parseTemplateName(QString& name) {
-  bool lastWasIdentifier = lexer_.token() == Identifier;
+  bool lastWasIdentifier = current() == CToken::Identifier;
   for (;;) {
     lexer_.next();
-    const int token = lexer_.token();
+    const CToken token = current();
     switch (token) {
-      case Greater:
+      case CToken::Greater:
         name += name.endsWith(QLatin1Char('>')) ? QStringLiteral(" >") : QStringLiteral(">");
         break;
-      case ShiftRight:
+      case CToken::ShiftRight:
         name += QStringLiteral("> >");
         break;
-      case Comma:
+      case CToken::Comma:
         name += QStringLiteral(", ");
         break;
-      case Identifier:
+      case CToken::Identifier:
         if (lastWasIdentifier) name += QLatin1Char(' ');
         name += lexer_.text();
         break;
-      case Less:
-      case ScopeSeparator:
-      case Star:
-      case Ampersand:
-      case DecimalInteger:
+      case CToken::Less:
+      case CToken::ScopeSeparator:
+      case CToken::Star:
+      case CToken::Ampersand:
+      case CToken::DecimalInteger:
         name += lexer_.text();
         break;
       default:
         return false;
     }
-    lastWasIdentifier = token == Identifier;
+    lastWasIdentifier = token == CToken::Identifier;
     if (parser_.isTypeName(name)) return true;
   }
 }
 
 // Pointer stars first, then array sizes: int*[4] is an array of pointers.
 ExpressionGrammar::Type ExpressionGrammar::parseTypeSuffix(Type type) {
-  while (lexer_.token() == Star) {
+  while (current() == CToken::Star) {
     type = bounded(std::make_unique<PointerType>(std::move(type)));
     lexer_.next();
   }
-  while (lexer_.token() == LeftBracket) {
+  while (current() == CToken::LeftBracket) {
     lexer_.next();
     Node size = parseBinary(-4);
-    expect(RightBracket, "']' expected");
+    expect(CToken::RightBracket, "']' expected");
     type = bounded(std::make_unique<ArrayType>(std::move(type), std::move(size)));
   }
   return type;
@@ -111,30 +111,30 @@ ExpressionGrammar::Type ExpressionGrammar::parseTypeSuffix(Type type) {
 
 // After "struct": a known struct name, or a member list in braces.
 ExpressionGrammar::Type ExpressionGrammar::parseStruct() {
-  if (lexer_.token() == Identifier) {
+  if (current() == CToken::Identifier) {
     QString name = QStringLiteral("struct ") + lexer_.text();
     if (!parser_.isTypeName(name)) fail("struct type not found");
     lexer_.next();
     return std::make_unique<UserType>(name);
   }
-  if (lexer_.token() != LeftBrace) fail("'{' expected");
+  if (current() != CToken::LeftBrace) fail("'{' expected");
   lexer_.next();
   auto structType = std::make_unique<StructType>();
-  while (lexer_.token() != RightBrace) {
+  while (current() != CToken::RightBrace) {
     StructType::Member member;
     member.type = parseType();
     if (!member.type) fail("struct parse error");
-    if (lexer_.token() == Identifier) {
+    if (current() == CToken::Identifier) {
       member.name = lexer_.text();
       lexer_.next();
     }
-    if (lexer_.token() == Colon) {
+    if (current() == CToken::Colon) {
       lexer_.next();
-      if (lexer_.token() != DecimalInteger) fail("integer must follow ':'");
+      if (current() != CToken::DecimalInteger) fail("integer must follow ':'");
       member.bitWidth = intValue(lexer_.text());
       lexer_.next();
     }
-    expect(Semicolon, "';' expected");
+    expect(CToken::Semicolon, "';' expected");
     structType->addMember(std::move(member));
   }
   lexer_.next();
@@ -144,18 +144,18 @@ ExpressionGrammar::Type ExpressionGrammar::parseStruct() {
 // After "register": the size in bytes, then fields of name, bit offset and bit
 // size with nothing between them, up to ";". A name in quotes keeps its quotes.
 ExpressionGrammar::Type ExpressionGrammar::parseRegisterType() {
-  if (lexer_.token() != DecimalInteger) fail("size expected");
+  if (current() != CToken::DecimalInteger) fail("size expected");
   auto registerType = std::make_unique<RegisterType>(intValue(lexer_.text()));
   lexer_.next();
-  while (lexer_.token() != Semicolon) {
+  while (current() != CToken::Semicolon) {
     RegisterType::Field field;
-    if (lexer_.token() != Identifier && lexer_.token() != StringLiteral) fail("fieldname expected");
+    if (current() != CToken::Identifier && current() != CToken::StringLiteral) fail("fieldname expected");
     field.name = lexer_.text();
     lexer_.next();
-    if (lexer_.token() != DecimalInteger) fail("bitoffset expected");
+    if (current() != CToken::DecimalInteger) fail("bitoffset expected");
     field.bitOffset = intValue(lexer_.text());
     lexer_.next();
-    if (lexer_.token() != DecimalInteger) fail("bitsize expected");
+    if (current() != CToken::DecimalInteger) fail("bitsize expected");
     field.bitSize = intValue(lexer_.text());
     lexer_.next();
     registerType->addField(std::move(field));

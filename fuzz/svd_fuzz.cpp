@@ -18,13 +18,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const uint32_t flags = static_cast<uint32_t>(size & 15);
   const char* ignoreName = (size & 16) != 0 ? "RES" : nullptr;
   // A small element limit keeps an input with huge arrays from filling the memory.
-  regmill::loadSVDFromText(file, text.c_str(), flags, ignoreName, size_t{1} << 16);
+  regmill::loadSVDFromText(file, text.c_str(), flags, ignoreName, size_t{1} << 16).ignore();
 
   char* buffer = nullptr;
   size_t length = 0;
   std::FILE* stream = open_memstream(&buffer, &length);
   if (stream == nullptr) std::abort();
-  file.write(stream, 2, 0);
+  file.write(stream, 2, 0).ignore();
   std::fclose(stream);
   std::free(buffer);
   return 0;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <strings.h>
+#include <string_view>
 #include <vector>
 
 #include "base/log.h"
@@ -11,19 +12,24 @@
 namespace regmill {
 
 ElementKind elementKindOfTag(const char* tag) {
-  static const struct {
-    const char* tag;
+  // No two tags share both their length and their first byte, so a tag is compared
+  // byte by byte with one name at most.
+  struct Entry {
+    std::string_view tag;
     ElementKind kind;
-  } kKinds[] = {{"MemorySegment", MemorySegmentKind}, {"Register", RegisterKind},
-                {"ProgramSection", ProgramSectionKind}, {"Root", RootKind},
-                {"RegisterGroup", RegisterGroupKind}, {"BitField", BitFieldKind},
-                {"Enum", EnumKind}, {"Processor", ProcessorKind}, {"Vector", VectorKind}};
-  for (const auto& entry : kKinds)
-    if (std::strcmp(tag, entry.tag) == 0) return entry.kind;
+  };
+  static constexpr Entry kKinds[] = {{"MemorySegment", MemorySegmentKind}, {"Register", RegisterKind},
+                                     {"ProgramSection", ProgramSectionKind}, {"Root", RootKind},
+                                     {"RegisterGroup", RegisterGroupKind}, {"BitField", BitFieldKind},
+                                     {"Enum", EnumKind}, {"Processor", ProcessorKind}, {"Vector", VectorKind}};
+  size_t length = std::strlen(tag);
+  for (const Entry& entry : kKinds)
+    if (entry.tag.size() == length && entry.tag[0] == tag[0] && std::memcmp(entry.tag.data(), tag, length) == 0)
+      return entry.kind;
   return OtherKind;
 }
 
-XMLElement* MemoryMap::createElement(char* tag) { return new MemoryMapElement(tag, newElementFlag_); }
+XMLElement* MemoryMap::createElement(char* tag) { return new MemoryMapElement(tag); }
 
 void MemoryMap::reportError(const QString& message) {
   if (logMask() & kLogWarnings) logMessage("warning", kLogLineFeed, "%s", message.toUtf8().constData());

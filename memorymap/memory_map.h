@@ -5,7 +5,7 @@
 #pragma once
 #include <cstdint>
 
-#include "xml/xml_document.h"
+#include "xml/qt_xml_document.h"
 #include "xml/xml_node.h"
 
 namespace regmill {
@@ -28,23 +28,20 @@ ElementKind elementKindOfTag(const char* tag);
 
 class MemoryMapElement : public XMLElement {
  public:
-  MemoryMapElement(char* tag, bool documentFlag)
-      : XMLElement(tag), kind_(elementKindOfTag(tag)), documentFlag_(documentFlag) {}
+  explicit MemoryMapElement(char* tag) : XMLElement(tag), kind_(elementKindOfTag(tag)) {}
 
   ElementKind kind() const { return kind_; }
-  bool documentFlag() const { return documentFlag_; }
 
   uint32_t address = 0;  // written by computeAddresses only
   uint32_t size = 0;     // written by computeAddresses only
 
  private:
   ElementKind kind_;
-  bool documentFlag_;
 };
 
 // The elements are MemoryMapElements; the document starts with text nodes off and no root.
-// The workbench's view state (two flags, three strings, view pointer, timestamp) is
-// left out: the converter neither sets nor reads it.
+// The workbench's view state (flags, strings, view pointer, timestamp) is left out:
+// the converter neither sets nor reads it.
 class MemoryMap : public XMLPP2 {
  public:
   MemoryMap() = default;
@@ -59,9 +56,6 @@ class MemoryMap : public XMLPP2 {
 
   // Makes an element of the tag (copied) with createElement, not yet linked.
   MemoryMapElement* newElement(const char* tag);
-
- private:
-  bool newElementFlag_ = false;
 };
 
 // The first element, depth first in document order from `start` (itself included),

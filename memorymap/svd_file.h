@@ -14,13 +14,16 @@
 
 namespace regmill {
 
-// Reader flags of loadSVD.
-enum SVDReaderFlags : uint32_t {
+// Reader flags of loadSVD; a run holds them as an unsigned 32-bit bit set.
+enum class SVDReaderFlag : uint32_t {
   RegSizeInBytes = 1,
   IgnoreDescription = 2,
   KeepCoreInfo = 4,
   KeepInterrupts = 8,
 };
+
+constexpr uint32_t flagBit(SVDReaderFlag flag) { return static_cast<uint32_t>(flag); }
+constexpr bool hasFlag(uint32_t flags, SVDReaderFlag flag) { return (flags & flagBit(flag)) != 0; }
 
 class SVDFile : public MemoryMap {
  public:

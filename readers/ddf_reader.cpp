@@ -5,16 +5,15 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <system_error>
 #include <unordered_map>
 #include <vector>
 
 #include "base/parse_number.h"
+#include "base/text.h"
 #include "base/text_file.h"
 #include "readers/reader_support.h"
 
@@ -75,11 +74,6 @@ std::optional<FieldBits> fieldBitsOfToken(const char* token) {
   if (size <= 0) return std::nullopt;
   return FieldBits{static_cast<int32_t>(low), size};
 }
-
-struct TransparentHash {
-  using is_transparent = void;
-  size_t operator()(std::string_view text) const { return std::hash<std::string_view>{}(text); }
-};
 
 // Turns the lines of one file into elements. Registers are held here until a group
 // line takes them into the tree; those that no group takes are freed with the builder.
@@ -171,25 +165,21 @@ class DDFBuilder {
   // Complete registers in file order; an entry is empty once a group has taken it.
   std::vector<std::unique_ptr<MemoryMapElement>> registers_;
   std::vector<std::unique_ptr<MemoryMapElement>> incomplete_;
-  std::unordered_map<std::string, size_t, TransparentHash, std::equal_to<>> firstOfName_;
+  std::unordered_map<std::string, size_t, TransparentStringHash, std::equal_to<>> firstOfName_;
   MemoryMapElement* lastRegister_ = nullptr;
 };
 
 }  // namespace
 
-bool readDDF(const char* path, MemoryMap& document) {
+Status readDDF(const char* path, MemoryMap& document) {
   TextFileReader file;
-  if (!file.open(path).ok()) return false;
+  if (Status opened = file.open(path); !opened) return opened;
   MemoryMapElement* root = document.newElement("Root");
   document.setRoot(root);
   DDFBuilder builder(document, root);
   std::vector<char> line(kLineBufferSize);
   while (file.readLine(line.data(), line.size())) builder.handleLine(line.data());
-  return true;
-}
-
-bool readDDF(const QString& path, MemoryMap& document) {
-  return readDDF(path.toLocal8Bit().constData(), document);
+  return Status();
 }
 
 }  // namespace regmill

@@ -1,32 +1,23 @@
 #include "readers/rdt_reader.h"
 
-#include <algorithm>
 #include <cstring>
-#include <vector>
+#include <memory>
+#include <string>
+#include <unordered_map>
 
+#include "base/text.h"
 #include "readers/reader_support.h"
+#include "xml/depth_first.h"
 #include "xml/xml_document.h"
 
 namespace regmill {
 
 XMLElement* findBoardCPU(XMLNode* start, const char* id) {
-  if (start == nullptr) return nullptr;
-  // An explicit stack rather than recursion, so that any depth of nesting is searched.
-  std::vector<XMLNode*> pending{start};
-  while (!pending.empty()) {
-    XMLNode* node = pending.back();
-    pending.pop_back();
-    if (!node->isElement()) continue;
-    auto* element = static_cast<XMLElement*>(node);
-    const char* ownId = element->getAttribute("id");
-    if (std::strcmp(element->getName(), "cpu") == 0 && ownId != nullptr && std::strcmp(ownId, id) == 0)
-      return element;
-    size_t firstOfChildren = pending.size();
-    for (XMLNode* child = node->firstChild(); child != nullptr; child = child->nextSibling())
-      pending.push_back(child);
-    std::reverse(pending.begin() + static_cast<std::ptrdiff_t>(firstOfChildren), pending.end());
-  }
-  return nullptr;
+  return static_cast<XMLElement*>(findDepthFirst(start, [id](XMLNode* node) {
+    if (!node->isElement() || std::strcmp(node->getName(), "cpu") != 0) return false;
+    const char* ownId = static_cast<XMLElement*>(node)->getAttribute("id");
+    return ownId != nullptr && std::strcmp(ownId, id) == 0;
+  }));
 }
 
 namespace {
@@ -35,41 +26,48 @@ namespace {
 // attribute absent in the input is set with a null value, written as an empty string.
 class RDTBuilder {
  public:
-  explicit RDTBuilder(MemoryMap& document) : document_(document) {}
+  RDTBuilder(MemoryMap& document, size_t elementLimit) : maker_(document, elementLimit) {}
 
-  // False when an instance's register file can't be loaded; failedFile() names it.
-  bool build(XMLElement* cpu, MemoryMapElement* root) {
+  Status build(XMLElement* cpu, MemoryMapElement* root) {
     for (XMLNode* child = cpu->firstChild(); child != nullptr; child = child->nextSibling()) {
       if (!child->isElement()) break;
       if (std::strcmp(child->getName(), "instance") != 0) continue;
-      if (!addInstance(root, static_cast<XMLElement*>(child))) return false;
+      if (Status added = addInstance(root, static_cast<XMLElement*>(child)); !added) return added;
+      if (maker_.budget().refused()) return Status::failure(kElementBudgetSpent);
     }
-    return true;
+    return Status();
   }
 
-  const std::string& failedFile() const { return failedFile_; }
-
  private:
-  bool addInstance(MemoryMapElement* root, XMLElement* instance) {
-    MemoryMapElement* group = appendNewElement(document_, root, "RegisterGroup");
+  Status addInstance(MemoryMapElement* root, XMLElement* instance) {
+    MemoryMapElement* group = maker_.append(root, "RegisterGroup");
+    if (group == nullptr) return Status();
     group->setAttributeCopy("name", instance->getAttribute("id"));
     group->setAttributeCopy("start", instance->getAttribute("baseaddr"));
     const char* file = instance->getAttribute("xml");
-    XMLDocument registers(false);
-    if (file == nullptr || !registers.load(file)) {
-      failedFile_ = file == nullptr ? "" : file;
-      return false;
-    }
+    if (file == nullptr) return Status::failure("the instance names no register file");
+    Expected<const XMLDocument*> registers = registerFile(file);
+    if (!registers) return registers.status();
     // A file whose text doesn't begin with a tag loads without a root: the group stays empty.
-    if (XMLNode* fileRoot = registers.root())
+    if (XMLNode* fileRoot = (*registers)->root())
       forEachChildUntilText(fileRoot, "register", [&](XMLElement* reg) { addRegister(group, reg); });
-    return true;
+    return Status();
+  }
+
+  // The parsed register file, read at its first use only.
+  Expected<const XMLDocument*> registerFile(const char* name) {
+    auto found = registerFiles_.find(std::string_view(name));
+    if (found != registerFiles_.end()) return found->second.get();
+    auto document = std::make_unique<XMLDocument>(false, XMLStorage::Arena);
+    if (Status loaded = document->load(name); !loaded) return loaded;
+    return registerFiles_.emplace(name, std::move(document)).first->second.get();
   }
 
   // The start is the offset from the group; a register without an offset gets an
   // empty start rather than a lone "+". The format gives registers no size.
   void addRegister(MemoryMapElement* group, XMLElement* reg) {
-    MemoryMapElement* element = appendNewElement(document_, group, "Register");
+    MemoryMapElement* element = maker_.append(group, "Register");
+    if (element == nullptr) return;
     element->setAttributeCopy("name", reg->getAttribute("id"));
     const char* offset = reg->getAttribute("offset");
     element->setAttributeCopy("start", offset == nullptr ? nullptr : (std::string("+") + offset).c_str());
@@ -80,34 +78,35 @@ class RDTBuilder {
   void addBitField(MemoryMapElement* reg, XMLElement* field) {
     const char* id = field->getAttribute("id");
     if (id != nullptr && std::strcmp(id, "RESERVED") == 0) return;
-    MemoryMapElement* element = appendNewElement(document_, reg, "BitField");
+    MemoryMapElement* element = maker_.append(reg, "BitField");
+    if (element == nullptr) return;
     element->setAttributeCopy("name", id);
     element->setAttributeCopy("start", field->getAttribute("end"));
     element->setAttributeCopy("size", field->getAttribute("width"));
     for (XMLNode* child = field->firstChild(); child != nullptr && child->isElement(); child = child->nextSibling()) {
       auto* value = static_cast<XMLElement*>(child);
-      MemoryMapElement* enumElement = appendNewElement(document_, element, "Enum");
+      MemoryMapElement* enumElement = maker_.append(element, "Enum");
+      if (enumElement == nullptr) return;
       enumElement->setAttributeCopy("name", value->getAttribute("id"));
       enumElement->setAttributeCopy("start", value->getAttribute("value"));
     }
   }
 
-  MemoryMap& document_;
-  std::string failedFile_;
+  BudgetedMaker maker_;
+  std::unordered_map<std::string, std::unique_ptr<XMLDocument>, TransparentStringHash, std::equal_to<>>
+      registerFiles_;
 };
 
 }  // namespace
 
-RDTReadResult readRDT(XMLNode* root, MemoryMap& document) {
-  RDTReadResult result;
+Expected<bool> readRDT(XMLNode* root, MemoryMap& document, size_t elementLimit) {
   XMLElement* cpu = findBoardCPU(root, kRDTProcessorId);
-  if (cpu == nullptr) return result;
-  result.cpuFound = true;
+  if (cpu == nullptr) return false;
   MemoryMapElement* output = document.newElement("Root");
   document.setRoot(output);
-  RDTBuilder builder(document);
-  if (!builder.build(cpu, output)) result.unreadableFile = builder.failedFile();
-  return result;
+  RDTBuilder builder(document, elementLimit);
+  if (Status built = builder.build(cpu, output); !built) return built;
+  return true;
 }
 
 }  // namespace regmill

@@ -1,9 +1,10 @@
 // Small helpers that the XML-based readers share: the walk over an element's
 // children that ends at the first child that isn't an element, and appending a new
-// memory-map element to its parent.
+// memory-map element to its parent, within the read's element budget.
 #pragma once
 #include <cstring>
 
+#include "memorymap/element_budget.h"
 #include "memorymap/memory_map.h"
 #include "xml/xml_node.h"
 
@@ -26,5 +27,25 @@ inline MemoryMapElement* appendNewElement(MemoryMap& document, XMLNode* parent, 
   parent->addChild(element);
   return element;
 }
+
+// Appends new elements while they fit the read's element budget.
+class BudgetedMaker {
+ public:
+  BudgetedMaker(MemoryMap& document, size_t elementLimit) : document_(document), budget_(elementLimit) {}
+
+  // As appendNewElement, booking one element; null once the budget is spent.
+  MemoryMapElement* append(XMLNode* parent, const char* tag) {
+    return budget_.reserve(1) ? appendNewElement(document_, parent, tag) : nullptr;
+  }
+  ElementBudget& budget() { return budget_; }
+  MemoryMap& document() { return document_; }
+
+ private:
+  MemoryMap& document_;
+  ElementBudget budget_;
+};
+
+// The failure of a read whose output would pass its element budget.
+inline const char* kElementBudgetSpent = "the description asks for more elements than a read may make";
 
 }  // namespace regmill

@@ -4,8 +4,10 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <vector>
 
 #include "base/parse_number.h"
+#include "base/text.h"
 #include "readers/reader_support.h"
 
 namespace regmill {
@@ -20,36 +22,28 @@ XMLElement* boardOf(XMLNode* root) {
   return static_cast<XMLElement*>(first);
 }
 
-// Each part of a ","-separated list, in order; empty parts vanish.
-template <typename Visit>
-void forEachListPart(std::string_view list, Visit visit) {
-  while (!list.empty()) {
-    size_t comma = list.find(',');
-    std::string_view part = list.substr(0, comma);
-    if (!part.empty()) visit(part);
-    if (comma == std::string_view::npos) return;
-    list.remove_prefix(comma + 1);
-  }
-}
-
 // Builds the groups of one board. Attribute values are copied as written; an attribute
 // absent in the input is set with a null value, which is written as an empty string.
 class TCFBuilder {
  public:
-  TCFBuilder(MemoryMap& document, XMLElement* board) : document_(document), board_(board) {
+  TCFBuilder(MemoryMap& document, XMLElement* board, size_t elementLimit)
+      : maker_(document, elementLimit), board_(board) {
     // The first enumeration of a name is the one a field finds.
     forEachChildUntilText(board_, "enumeration", [this](XMLElement* enumeration) {
       if (const char* name = enumeration->getAttribute("name")) enumerations_.try_emplace(name, enumeration);
     });
   }
 
-  void build(MemoryMapElement* root) {
+  // False when the output passed the element budget.
+  bool build(MemoryMapElement* root) {
     forEachChildUntilText(board_, "peripheral", [&](XMLElement* peripheral) { addPeripheral(root, peripheral); });
+    return !maker_.budget().refused();
   }
 
  private:
   void addPeripheral(MemoryMapElement* root, XMLElement* peripheral) {
-    MemoryMapElement* group = appendNewElement(document_, root, "RegisterGroup");
+    MemoryMapElement* group = maker_.append(root, "RegisterGroup");
+    if (group == nullptr) return;
     group->setAttributeCopy("name", peripheral->getAttribute("name"));
     group->setAttributeCopy("start", peripheral->getAttribute("offset"));
     forEachChildUntilText(peripheral, "register", [&](XMLElement* reg) { addRegister(group, reg); });
@@ -57,7 +51,8 @@ class TCFBuilder {
 
   // The offset stays as written: it is not made relative to the group.
   void addRegister(MemoryMapElement* group, XMLElement* reg) {
-    MemoryMapElement* element = appendNewElement(document_, group, "Register");
+    MemoryMapElement* element = maker_.append(group, "Register");
+    if (element == nullptr) return;
     element->setAttributeCopy("name", reg->getAttribute("name"));
     element->setAttributeCopy("start", reg->getAttribute("offset"));
     element->setAttributeCopy("size", reg->getAttribute("size"));
@@ -67,7 +62,8 @@ class TCFBuilder {
   // An absent low_bit or high_bit counts as 0; the width is 32-bit arithmetic that
   // wraps, so a high bit below the low one gives a negative size, printed as it is.
   void addBitField(MemoryMapElement* reg, XMLElement* field) {
-    MemoryMapElement* element = appendNewElement(document_, reg, "BitField");
+    MemoryMapElement* element = maker_.append(reg, "BitField");
+    if (element == nullptr) return;
     const char* lowText = field->getAttribute("low_bit");
     uint32_t low = parseUnsignedC(lowText);
     uint32_t high = parseUnsignedC(field->getAttribute("high_bit"));
@@ -84,15 +80,17 @@ class TCFBuilder {
     if (found == enumerations_.end()) return;
     const char* values = found->second->getAttribute("values");
     if (values == nullptr) return;
+    std::vector<std::string_view> names = splitSkippingEmpty(values, ',');
+    if (!maker_.budget().reserve(names.size())) return;
     int32_t number = 0;
-    forEachListPart(values, [&](std::string_view name) {
-      MemoryMapElement* element = appendNewElement(document_, field, "Enum");
+    for (std::string_view name : names) {
+      MemoryMapElement* element = appendNewElement(maker_.document(), field, "Enum");
       element->setAttributeCopy("name", std::string(name).c_str());
       element->setAttributeCopy("start", std::to_string(number++).c_str());
-    });
+    }
   }
 
-  MemoryMap& document_;
+  BudgetedMaker maker_;
   XMLElement* board_;
   // Keys point into the input tree, which outlives the builder.
   std::unordered_map<std::string_view, XMLElement*> enumerations_;
@@ -100,13 +98,13 @@ class TCFBuilder {
 
 }  // namespace
 
-bool readTCF(XMLNode* root, MemoryMap& document) {
+Expected<bool> readTCF(XMLNode* root, MemoryMap& document, size_t elementLimit) {
   XMLElement* board = boardOf(root);
   if (board == nullptr) return false;
-  TCFBuilder builder(document, board);
+  TCFBuilder builder(document, board, elementLimit);
   MemoryMapElement* output = document.newElement("Root");
   document.setRoot(output);
-  builder.build(output);
+  if (!builder.build(output)) return Status::failure(kElementBudgetSpent);
   return true;
 }
 

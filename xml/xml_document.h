@@ -1,39 +1,55 @@
 // Documents of the XML library: a tree's root, what the prolog said, and the last
-// error. XMLDocument reads and writes with byte paths and streams, QXMLDocument adds
-// QString paths, XMLPP2 is the base of documents that pass the conditional
-// preprocessor. A document owns its root; it is loaded once and never cleared.
+// error. XMLDocument reads and writes with byte paths and streams; the Qt adapters
+// are in qt_xml_document.h. A document owns its root; it is loaded once and never
+// cleared. Loading, parsing and writing report a failure as a Status naming the
+// file, the line (from 1) and the reason; errorText and errorLine keep the last one
+// as the library's callers know it (the line counted from 0).
 #pragma once
 #include <cstdint>
 #include <cstdio>
-#include <map>
+#include <memory>
 
-#include <QString>
-
+#include "base/status.h"
+#include "xml/xml_arena.h"
 #include "xml/xml_node.h"
 
 namespace regmill {
 
+// How a document keeps its nodes: each on the heap, owned by its parent, for a tree
+// that is built or edited; or all in one arena, for a tree that is parsed, read and
+// thrown away. An arena tree is not edited: its strings are no heap strings, so no
+// node may be unlinked and deleted, and setAttribute and setName don't apply.
+enum class XMLStorage : uint8_t { Heap, Arena };
+
 class XMLDocument {
  public:
-  explicit XMLDocument(bool textNodes);
+  // An arena document makes its elements itself: a subclass that overrides
+  // createElement keeps heap storage.
+  explicit XMLDocument(bool textNodes, XMLStorage storage = XMLStorage::Heap);
   virtual ~XMLDocument();
   XMLDocument(const XMLDocument&) = delete;
   XMLDocument& operator=(const XMLDocument&) = delete;
 
-  // The factory the parser makes every element with; takes the tag over.
+  // The factory the parser makes every element with; takes the tag over (in an
+  // arena document, the tag is arena memory and so is the element).
   virtual XMLElement* createElement(char* tag);
 
-  bool load(const char* path);
-  bool load(std::FILE* stream);
+  // Reads the whole file, within the input size bound, skips a UTF-8 byte order
+  // mark and parses the rest.
+  Status load(const char* path);
+  // The same from the stream's start; the stream stays open.
+  Status load(std::FILE* stream);
   // Parses text in memory, without byte order mark handling.
-  bool parse(const char* text);
-  // Prints prolog and tree; always true (output errors are not looked at).
-  bool write(std::FILE* stream, unsigned indentation, unsigned maxLineLength);
+  Status parse(const char* text);
+  // Prints prolog and tree; fails when the stream reports a write error.
+  Status write(std::FILE* stream, unsigned indentation, unsigned maxLineLength);
 
   XMLNode* root() const { return root_; }
-  // Takes the node over; a former root is destroyed.
+  // Takes the node over; a former root is destroyed (in a heap document).
   void setRoot(XMLNode* root);
   bool textNodes() const { return textNodes_; }
+  // Null for a heap document.
+  XMLArena* arena() const { return arena_.get(); }
   const char* documentType() const { return documentType_; }
   const char* version() const { return version_; }
   const char* encoding() const { return encoding_; }
@@ -47,46 +63,25 @@ class XMLDocument {
   uint32_t errorLine() const { return errorLine_; }
 
  protected:
-  void setError(uint32_t line, const char* format, const char* argument);
-  // Reads the stream whole and parses it; `name` stands in the error text when the
-  // stream can't be read.
-  bool loadNamed(std::FILE* stream, const char* name);
+  // Stores the error text and line and gives the failure as a Status; `line` counts
+  // from 0 here, as errorLine does.
+  Status fail(const char* file, uint32_t line, const char* format, const char* argument);
+  // Parses a file's contents; `name` goes into a failure.
+  Status parseContents(const std::string& contents, const char* name);
 
  private:
-  bool parseText(const char* text);
+  Status parseText(const char* text, const char* name);
 
   unsigned indentation_ = 0;
   unsigned maxLineLength_ = 0;
   bool textNodes_;
+  std::unique_ptr<XMLArena> arena_;
   char* documentType_ = nullptr;
   char* version_ = nullptr;
   char* encoding_ = nullptr;
   XMLNode* root_ = nullptr;
   char errorText_[1024] = {};
   uint32_t errorLine_ = 0;
-};
-
-class QXMLDocument : public XMLDocument {
- public:
-  using XMLDocument::XMLDocument;
-  using XMLDocument::load;
-  bool load(const QString& path);
-  // Writes the file in binary mode; false with "couldn't write %s" when it cannot be opened.
-  bool save(const QString& path, unsigned indentation, unsigned maxLineLength);
-};
-
-class XMLPP2 : public QXMLDocument {
- public:
-  XMLPP2() : QXMLDocument(false) {}
-  ~XMLPP2() override;
-  virtual void reportError(const QString& message) = 0;
-
-  // Subtrees defined by name by the preprocessor; the document owns them.
-  void addDefinition(const QString& name, XMLNode* subtree);
-  XMLNode* definition(const QString& name) const;
-
- private:
-  std::map<QString, XMLNode*> definitions_;
 };
 
 }  // namespace regmill

@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "xml/xml_arena.h"
 #include "xml/xml_string.h"
 
 namespace regmill {
@@ -160,6 +161,17 @@ void XMLElement::setAttribute(char* name, char* value) {
   }
 }
 
+XMLAttribute* XMLElement::appendArenaAttribute(XMLArena& arena, char* name, char* value) {
+  auto* attribute = arena.make<XMLAttribute>(XMLAttribute{name, value, lastAttribute_, nullptr});
+  if (lastAttribute_ == nullptr)
+    firstAttribute_ = attribute;
+  else
+    lastAttribute_->next = attribute;
+  lastAttribute_ = attribute;
+  ++attributeCount_;
+  return attribute;
+}
+
 void XMLElement::setAttributeCopy(const char* name, const char* value) {
   setAttribute(copyXmlString(name, std::strlen(name)),
                value == nullptr ? nullptr : copyXmlString(value, std::strlen(value)));
@@ -229,12 +241,6 @@ std::vector<XMLElement*> collectElements(XMLNode* first, const char* tag, bool r
 void appendElementText(const XMLElement* element, std::string& out) {
   for (XMLNode* node = element->firstChild(); node != nullptr; node = node->nextSibling())
     if (node->nodeType() == XMLNodeType::Data) out += node->getName();
-}
-
-QString elementText(const XMLElement* element) {
-  std::string bytes;
-  appendElementText(element, bytes);
-  return QString::fromLatin1(bytes.data(), static_cast<qsizetype>(bytes.size()));
 }
 
 }  // namespace regmill

@@ -2,6 +2,8 @@
 // owns its chain of children; an unlinked node belongs to whoever unlinked it.
 // Attributes keep their insertion order, and a value may be null (not the same as
 // empty: the writer prints both as "", but only a null value is left on the tag's line).
+// The nodes of a document parsed into an arena (xml_arena.h) live in the arena's
+// blocks instead: they are read, not edited, and go with the document as a whole.
 #pragma once
 #include <cstdint>
 #include <memory>
@@ -10,9 +12,9 @@
 #include <unordered_map>
 #include <vector>
 
-#include <QString>
-
 namespace regmill {
+
+class XMLArena;
 
 enum class XMLNodeType : uint8_t { Element, Data, Comment, CDATASection };
 
@@ -76,13 +78,19 @@ class XMLElement : public XMLNode {
   bool hasAttribute(const char* name) const;
   const char* getAttribute(const char* name) const;
   const XMLAttribute* attributes() const { return firstAttribute_; }
+  XMLAttribute* attributes() { return firstAttribute_; }
   unsigned attributeCount() const { return attributeCount_; }
 
   // Copies both texts; for code that builds trees from literals.
   void setAttributeCopy(const char* name, const char* value);
 
- private:
+  // The first pair of that name, or null.
   XMLAttribute* findAttribute(const char* name) const;
+  // For the parser of an arena document: appends a pair made in `arena` with strings
+  // of the arena. The caller has made sure that no pair of that name exists yet.
+  XMLAttribute* appendArenaAttribute(XMLArena& arena, char* name, char* value);
+
+ private:
   XMLAttribute* firstAttribute_ = nullptr;
   XMLAttribute* lastAttribute_ = nullptr;
   unsigned attributeCount_ = 0;
@@ -112,10 +120,8 @@ class XMLCDATASection : public XMLNode {
 XMLElement* findChild(XMLNode* first, const char* tag);
 XMLElement* findChildInEither(XMLNode* firstOfOne, XMLNode* firstOfTwo, const char* tag);
 std::vector<XMLElement*> collectElements(XMLNode* first, const char* tag, bool recursive);
-// The text of all XMLData children of the element, joined in order; the QString
-// holds the bytes one to one (Latin-1), so that it converts back to the same bytes.
-QString elementText(const XMLElement* element);
-// The same text as bytes, appended to `out`; an empty string if there is none.
+// The text of all XMLData children of the element, joined in order, appended to
+// `out`; nothing if there is none.
 void appendElementText(const XMLElement* element, std::string& out);
 
 }  // namespace regmill

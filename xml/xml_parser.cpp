@@ -1,8 +1,12 @@
 #include "xml/xml_parser.h"
 
 #include <cstring>
+#include <string_view>
+#include <unordered_map>
 #include <vector>
 
+#include "base/text.h"
+#include "xml/xml_arena.h"
 #include "xml/xml_document.h"
 #include "xml/xml_string.h"
 
@@ -10,35 +14,64 @@ namespace regmill {
 
 namespace {
 
-// ASCII classes as the C locale's isspace, isalnum and isalpha see them; bytes from
-// 0x80 up belong to none of them.
-constexpr bool isSpace(unsigned char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
-constexpr bool isAlpha(unsigned char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
-constexpr bool isNameChar(unsigned char c) {
-  return isAlpha(c) || (c >= '0' && c <= '9') || c == '_' || c == ':' || c == '-';
-}
-bool isAttributeStart(unsigned char c) { return isAlpha(c) || c == '_' || c == '-' || c == ':'; }
+constexpr bool isNameByte(unsigned char c) { return isAlnumByte(c) || c == '_' || c == ':' || c == '-'; }
+constexpr bool isAttributeStart(unsigned char c) { return isAlphaByte(c) || c == '_' || c == '-' || c == ':'; }
 
-// The byte classes as a table, for the loops that run over every byte of the text.
-enum ByteClass : uint8_t { kSpace = 1, kName = 2 };
+// Byte classes for the scanning loops. A text stops at "<" and at the terminating
+// zero; "&" and a carriage return stop the scan too, because they make the text need
+// decoding. An attribute value stops at its quote, at "&" and at the zero.
+enum ByteClass : uint8_t {
+  kSpace = 1,
+  kName = 2,
+  kTextStop = 4,
+  kDoubleQuotedStop = 8,
+  kSingleQuotedStop = 16,
+};
 struct ByteClasses {
   uint8_t of[256] = {};
   constexpr ByteClasses() {
-    for (int c = 0; c < 256; ++c)
-      of[c] = static_cast<uint8_t>((isSpace(static_cast<unsigned char>(c)) ? kSpace : 0) |
-                                   (isNameChar(static_cast<unsigned char>(c)) ? kName : 0));
+    for (int i = 0; i < 256; ++i) {
+      auto c = static_cast<unsigned char>(i);
+      of[i] = static_cast<uint8_t>((isSpaceByte(c) ? kSpace : 0) | (isNameByte(c) ? kName : 0) |
+                                   (c == '<' || c == '&' || c == '\r' || c == 0 ? kTextStop : 0) |
+                                   (c == '"' || c == '&' || c == 0 ? kDoubleQuotedStop : 0) |
+                                   (c == '\'' || c == '&' || c == 0 ? kSingleQuotedStop : 0));
+    }
   }
 };
-constexpr ByteClasses kByteClasses;
+constexpr ByteClasses kClasses;
 
-// The value of a digit of a character reference: 0-9, then the letters from a on.
-// Upper-case letters are not part of the forms; we give them the values of their
-// lower-case twins, so that an upper-case hexadecimal digit reads as it looks.
-int referenceDigit(unsigned char c) {
-  if (c >= '0' && c <= '9') return c - '0';
-  if (c >= 'a' && c <= 'z') return c - 'a' + 10;
-  if (c >= 'A' && c <= 'Z') return c - 'A' + 10;
-  return -1;
+// The first byte from `p` on of the class `stop`. Every stop class holds the
+// terminating zero, so the scan never leaves the text.
+template <uint8_t stop>
+const char* scanUntil(const char* text) {
+  auto* p = reinterpret_cast<const unsigned char*>(text);
+  while (true) {
+    if (kClasses.of[p[0]] & stop) break;
+    if (kClasses.of[p[1]] & stop) { p += 1; break; }
+    if (kClasses.of[p[2]] & stop) { p += 2; break; }
+    if (kClasses.of[p[3]] & stop) { p += 3; break; }
+    p += 4;
+  }
+  return reinterpret_cast<const char*>(p);
+}
+
+// The number of line feeds in [begin, end), eight bytes at a time.
+uint32_t countLineFeeds(const char* begin, const char* end) {
+  constexpr uint64_t kOnes = 0x0101010101010101;
+  constexpr uint64_t kLow7 = 0x7F7F7F7F7F7F7F7F;
+  uint64_t count = 0;
+  for (; end - begin >= 8; begin += 8) {
+    uint64_t word;
+    std::memcpy(&word, begin, 8);
+    word ^= kOnes * '\n';  // line feeds become zero bytes
+    // The high bit of each byte is set when the byte isn't zero; no carry crosses bytes.
+    uint64_t nonZero = ((word & kLow7) + kLow7) | word;
+    uint64_t zeroHighBits = ~nonZero & ~kLow7;
+    count += ((zeroHighBits >> 7) * kOnes) >> 56;
+  }
+  for (; begin < end; ++begin) count += *begin == '\n';
+  return static_cast<uint32_t>(count);
 }
 
 struct NamedEntity {
@@ -51,6 +84,8 @@ constexpr NamedEntity kNamedEntities[] = {
 
 // Decodes the reference that starts at `at` (an "&") if it is one of the forms and
 // lies wholly inside the token; gives its length, or 0 when the "&" stays as it is.
+// Digits are 0-9 and then letters from a on; an upper-case letter counts as its
+// lower-case twin, so that an upper-case hexadecimal digit reads as it looks.
 size_t decodeReference(const char* at, const char* end, char& byte) {
   size_t available = static_cast<size_t>(end - at);
   for (const NamedEntity& entity : kNamedEntities) {
@@ -66,7 +101,7 @@ size_t decodeReference(const char* at, const char* end, char& byte) {
   uint32_t value = 0;
   const char* cursor = digits;
   for (; cursor < end; ++cursor) {
-    int digit = referenceDigit(static_cast<unsigned char>(*cursor));
+    int digit = digitValue(static_cast<unsigned char>(*cursor));
     if (digit < 0) break;
     value = value * base + static_cast<uint32_t>(digit);
   }
@@ -75,15 +110,9 @@ size_t decodeReference(const char* at, const char* end, char& byte) {
   return static_cast<size_t>(cursor + 1 - at);
 }
 
-}  // namespace
-
-char* decodeXmlToken(const char* begin, const char* end, bool dropCarriageReturns) {
-  size_t length = static_cast<size_t>(end - begin);
-  bool plain = std::memchr(begin, '&', length) == nullptr &&
-               (!dropCarriageReturns || std::memchr(begin, '\r', length) == nullptr);
-  if (plain) return copyXmlString(begin, length);
-  char* out = copyXmlString(begin, length);  // decoding only ever shrinks the text
-  size_t written = 0;
+// Writes the token decoded to `out` with a terminating zero; decoding only ever
+// shrinks a token. With dropCarriageReturns (text, not values) bytes 0x0D are left out.
+void decodeInto(char* out, const char* begin, const char* end, bool dropCarriageReturns) {
   for (const char* cursor = begin; cursor < end;) {
     char c = *cursor;
     if (c == '\r' && dropCarriageReturns) {
@@ -93,113 +122,133 @@ char* decodeXmlToken(const char* begin, const char* end, bool dropCarriageReturn
     if (c == '&') {
       char byte;
       if (size_t used = decodeReference(cursor, end, byte)) {
-        out[written++] = byte;
+        *out++ = byte;
         cursor += used;
         continue;
       }
     }
-    out[written++] = c;
+    *out++ = c;
     ++cursor;
   }
-  out[written] = '\0';
-  return out;
+  *out = '\0';
 }
 
-namespace {
+// Up to this many attributes, a repeated name is looked for by walking the list.
+constexpr unsigned kLinearAttributeSearch = 16;
 
 class Parser {
  public:
   Parser(XMLDocument& document, const char* text)
-      : document_(document), cursor_(text), keepText_(document.textNodes()) {}
+      : document_(document),
+        arena_(document.arena()),
+        cursor_(text),
+        end_(text + std::strlen(text)),
+        counted_(text),
+        keepText_(document.textNodes()) {}
   ~Parser();
   XMLParseResult run();
 
  private:
   enum class Next { Tag, Text, Stop };
 
-  unsigned char at(size_t offset = 0) const { return static_cast<unsigned char>(cursor_[offset]); }
-  // Every step of the cursor that lands on a line feed counts a line. The cursor
-  // never steps past the terminating zero.
-  void step() {
-    if (*cursor_ == '\0') return;
-    ++cursor_;
-    if (*cursor_ == '\n') ++line_;
-  }
-  void stepOver(size_t count) {
-    for (size_t i = 0; i < count; ++i) step();
-  }
-  // The loops below do what repeated steps do, with the cursor and the line count in
-  // locals: a byte read through a char pointer may alias the members, which would
-  // otherwise be reloaded and stored again on every byte.
-  void skipSpace() {
-    const unsigned char* p = reinterpret_cast<const unsigned char*>(cursor_);
-    uint32_t line = line_;
-    while (kByteClasses.of[*p] & kSpace) line += *++p == '\n';
-    cursor_ = reinterpret_cast<const char*>(p);
-    line_ = line;
-  }
-  // Name characters include no line feed, so no line is counted inside a name; the
-  // byte behind the name may be one.
-  void readName() {
-    const unsigned char* p = reinterpret_cast<const unsigned char*>(cursor_);
-    tokenStart_ = cursor_;
-    if (kByteClasses.of[*p] & kName) {
-      while (kByteClasses.of[*++p] & kName) {
-      }
-      line_ += *p == '\n';
+  // The line of the byte at `at`: the line feeds stepped onto from the first byte up
+  // to `at`, which is the line count of a parse that steps byte by byte. Counted per
+  // span, when a node needs it; `at` never goes back.
+  uint32_t lineAt(const char* at) {
+    if (at > counted_) {
+      line_ += countLineFeeds(counted_ + 1, at + 1);
+      counted_ = at;
     }
-    cursor_ = reinterpret_cast<const char*>(p);
-    tokenEnd_ = cursor_;
+    return line_;
   }
-  // Steps until the cursor stands on `stop` or on the terminating zero.
+  // The cursor never steps past the terminating zero.
+  void step() {
+    if (*cursor_ != '\0') ++cursor_;
+  }
+  void skipSpace() {
+    auto* p = reinterpret_cast<const unsigned char*>(cursor_);
+    while (kClasses.of[*p] & kSpace) ++p;
+    cursor_ = reinterpret_cast<const char*>(p);
+  }
+  void readName() {
+    auto* p = reinterpret_cast<const unsigned char*>(cursor_);
+    while (kClasses.of[*p] & kName) ++p;
+    tokenStart_ = cursor_;
+    cursor_ = tokenEnd_ = reinterpret_cast<const char*>(p);
+  }
+  // Moves the cursor onto `stop` or onto the terminating zero.
   void scanTo(char stop) {
-    const char* p = cursor_;
-    uint32_t line = line_;
-    while (*p != stop && *p != '\0') line += *++p == '\n';
-    cursor_ = p;
-    line_ = line;
+    const void* found = std::memchr(cursor_, stop, static_cast<size_t>(end_ - cursor_));
+    cursor_ = found != nullptr ? static_cast<const char*>(found) : end_;
   }
   size_t tokenLength() const { return static_cast<size_t>(tokenEnd_ - tokenStart_); }
   bool tokenIsPrefixOf(const char* word) const {
     return tokenLength() <= std::strlen(word) && std::memcmp(tokenStart_, word, tokenLength()) == 0;
   }
-  // Moves the cursor behind the first "<close><close>>" in the way the comment and
-  // CDATA rules find it; the token is the text in front of it. False at the end of text.
   bool scanToTerminator(char close);
+  // The scan from the cursor to the end of a text or value, noting whether a byte
+  // that needs decoding stood in it.
+  template <uint8_t stop>
+  const char* scanToken(bool& needsDecoding);
+
+  // Nodes and strings come from the arena when the document has one.
+  char* copyText(const char* text, size_t length) {
+    return arena_ != nullptr ? arena_->copyString(text, length) : copyXmlString(text, length);
+  }
+  char* decodedText(const char* begin, const char* end, bool needsDecoding, bool dropCarriageReturns) {
+    char* text = copyText(begin, static_cast<size_t>(end - begin));
+    if (needsDecoding) decodeInto(text, begin, end, dropCarriageReturns);
+    return text;
+  }
+  template <typename Node>
+  Node* makeNode(char* text, uint32_t line) {
+    Node* node = arena_ != nullptr ? arena_->make<Node>(text) : new Node(text);
+    node->setLine(line);
+    return node;
+  }
+  void discard(XMLNode* node) {
+    if (arena_ == nullptr) delete node;
+  }
+  void addAttribute(XMLElement* element, const char* nameStart, size_t nameLength, char* value);
 
   Next processingInstruction();
   Next commentOrDeclaration();
   Next startTag();
   Next endTag();
   Next text();
-  void linkToInnermost(XMLNode* node);
+  void linkToInnermost(XMLNode* node) { open_.back()->addChild(node); }
   void closeInnermost();
 
   XMLDocument& document_;
+  XMLArena* arena_;
   const char* cursor_;
+  const char* end_;  // the terminating zero
   const char* tokenStart_ = nullptr;
   const char* tokenEnd_ = nullptr;
+  const char* counted_;  // the line feeds up to here are in line_
   uint32_t line_ = 0;
   XMLParseStatus status_ = XMLParseStatus::Ok;
   bool keepText_;
   std::vector<XMLElement*> open_;  // elements whose end tag is still to come
   XMLNode* result_ = nullptr;
+  // The attributes of a tag with many of them, by name, while the tag is read.
+  std::unordered_map<std::string_view, XMLAttribute*> wideTag_;
 };
 
 Parser::~Parser() {
   // Elements whose end never came are linked to nothing; they are freed here.
-  for (XMLElement* element : open_) delete element;
+  for (XMLElement* element : open_) discard(element);
 }
 
 XMLParseResult Parser::run() {
   skipSpace();
-  Next next = at() == '<' ? Next::Tag : Next::Stop;
+  Next next = *cursor_ == '<' ? Next::Tag : Next::Stop;
   while (next != Next::Stop) {
     if (next == Next::Text) {
       next = text();
       continue;
     }
-    switch (at(1)) {
+    switch (cursor_[1]) {
       case '?': next = processingInstruction(); break;
       case '!': next = commentOrDeclaration(); break;
       case '/': step(); next = endTag(); break;
@@ -208,87 +257,82 @@ XMLParseResult Parser::run() {
   }
   XMLNode* root = result_;
   result_ = nullptr;
-  return {root, status_, line_};
+  return {root, status_, lineAt(cursor_)};
 }
 
 Parser::Next Parser::processingInstruction() {
-  stepOver(2);
+  cursor_ += 2;  // "<?"
   readName();
   skipSpace();
   if (!tokenIsPrefixOf("xml")) return Next::Text;
-  while (at() != '?' && at() != '\0') {
+  while (*cursor_ != '?' && *cursor_ != '\0') {
     const char* before = cursor_;
     readName();
-    const char* nameStart = tokenStart_;
-    size_t nameLength = tokenLength();
+    std::string_view name(tokenStart_, tokenLength());
     skipSpace();
-    if (at() == '=') {
+    if (*cursor_ == '=') {
       step();
       skipSpace();
-      char quote = static_cast<char>(at());
+      char quote = *cursor_;
       if (quote != '"' && quote != '\'') {
         // The parse ends at once and gives no root, even if one was closed before.
-        delete result_;
+        discard(result_);
         result_ = nullptr;
         return Next::Stop;
       }
       step();
       const char* valueStart = cursor_;
       scanTo(quote);
-      char* value = copyXmlString(valueStart, static_cast<size_t>(cursor_ - valueStart));
+      size_t valueLength = static_cast<size_t>(cursor_ - valueStart);
       step();
-      std::string_view name(nameStart, nameLength);
       if (name == "version")
-        document_.setVersion(value);
+        document_.setVersion(copyXmlString(valueStart, valueLength));
       else if (name == "encoding")
-        document_.setEncoding(value);
-      else
-        freeXmlString(value);
+        document_.setEncoding(copyXmlString(valueStart, valueLength));
     }
     // A byte that is neither name, blank nor "=" would hold the loop in place; we
     // pass over it as the lenient parser does with anything it doesn't understand.
     if (cursor_ == before) step();
   }
-  if (at() == '?') {
+  if (*cursor_ == '?') {
     step();
-    if (at() == '>') step();
+    if (*cursor_ == '>') step();
   }
   return Next::Text;
 }
 
+// Moves the cursor behind the first "<close><close>>" in the way the comment and
+// CDATA rules find it; the token is the text in front of it. False at the end of text.
 bool Parser::scanToTerminator(char close) {
   tokenStart_ = cursor_;
-  while (at() != '\0') {
-    if (*cursor_ != close) {
-      step();
-      continue;
-    }
-    if (cursor_[1] == close && cursor_[2] == '>') {
-      tokenEnd_ = cursor_;
-      stepOver(3);
+  const char* p = cursor_;
+  while (const void* found = std::memchr(p, close, static_cast<size_t>(end_ - p))) {
+    p = static_cast<const char*>(found);
+    if (p[1] == close && p[2] == '>') {
+      tokenEnd_ = p;
+      cursor_ = p + 3;
       return true;
     }
     // A second close byte without ">" behind it resumes the search at the third byte.
-    stepOver(cursor_[1] == close ? 2 : 1);
+    p += p[1] == close ? 2 : 1;
   }
+  cursor_ = end_;
   return false;
 }
 
 Parser::Next Parser::commentOrDeclaration() {
-  uint32_t startLine = line_;
-  stepOver(2);  // "<!"
-  if (at() == '-') {
+  const char* start = cursor_;
+  cursor_ += 2;  // "<!"
+  if (*cursor_ == '-') {
     step();
-    if (at() != '-') return Next::Text;
+    if (*cursor_ != '-') return Next::Text;
     step();
-    if (!scanToTerminator('-')) return Next::Text;
     // A comment outside every element would be made and destroyed at once; nothing
     // of it remains, so it isn't made.
-    if (keepText_ && !open_.empty()) {
-      auto* comment = new XMLComment(copyXmlString(tokenStart_, tokenLength()));
-      comment->setLine(startLine);
-      linkToInnermost(comment);
-    }
+    bool kept = keepText_ && !open_.empty();
+    uint32_t line = kept ? lineAt(start) : 0;
+    if (scanToTerminator('-') && kept)
+      linkToInnermost(makeNode<XMLComment>(copyText(tokenStart_, tokenLength()), line));
     return Next::Text;
   }
   readName();
@@ -296,19 +340,16 @@ Parser::Next Parser::commentOrDeclaration() {
     step();  // the first "["
     readName();
     step();  // the second "["
-    if (!scanToTerminator(']')) return Next::Text;
-    if (!open_.empty()) {
-      auto* section = new XMLCDATASection(copyXmlString(tokenStart_, tokenLength()));
-      section->setLine(startLine);
-      linkToInnermost(section);
-    }
+    uint32_t line = open_.empty() ? 0 : lineAt(start);
+    if (scanToTerminator(']') && !open_.empty())
+      linkToInnermost(makeNode<XMLCDATASection>(copyText(tokenStart_, tokenLength()), line));
     return Next::Text;
   }
   if (tokenIsPrefixOf("DOCTYPE")) {
     // The name is read after the blank that separates it from the keyword.
     skipSpace();
     readName();
-    if (at() == '>') {
+    if (*cursor_ == '>') {
       document_.setDocumentType(copyXmlString(tokenStart_, tokenLength()));
       step();
     }
@@ -316,16 +357,53 @@ Parser::Next Parser::commentOrDeclaration() {
   return Next::Text;
 }
 
+template <uint8_t stop>
+const char* Parser::scanToken(bool& needsDecoding) {
+  const char* p = scanUntil<stop>(cursor_);
+  while (*p == '&' || *p == '\r') {
+    needsDecoding = true;
+    p = scanUntil<stop>(p + 1);
+  }
+  return p;
+}
+
+void Parser::addAttribute(XMLElement* element, const char* nameStart, size_t nameLength, char* value) {
+  char* name = copyText(nameStart, nameLength);
+  if (arena_ == nullptr) {
+    element->setAttribute(name, value);
+    return;
+  }
+  // A name given twice keeps its first place and takes the later value. Nothing in
+  // an arena is freed: the first value just stays unused.
+  XMLAttribute* existing;
+  if (element->attributeCount() < kLinearAttributeSearch) {
+    existing = element->findAttribute(name);
+  } else {
+    if (wideTag_.empty())
+      for (XMLAttribute* a = element->attributes(); a != nullptr; a = a->next)
+        wideTag_.emplace(a->name, a);
+    auto found = wideTag_.find(name);
+    existing = found == wideTag_.end() ? nullptr : found->second;
+  }
+  if (existing != nullptr) {
+    existing->value = value;
+    return;
+  }
+  XMLAttribute* added = element->appendArenaAttribute(*arena_, name, value);
+  if (!wideTag_.empty()) wideTag_.emplace(added->name, added);
+}
+
 Parser::Next Parser::startTag() {
-  uint32_t startLine = line_;
+  uint32_t startLine = lineAt(cursor_);
   step();  // "<"
   readName();
   skipSpace();
-  XMLElement* element = document_.createElement(copyXmlString(tokenStart_, tokenLength()));
+  XMLElement* element = document_.createElement(copyText(tokenStart_, tokenLength()));
   element->setLine(startLine);
   open_.push_back(element);
-  while (at() != '/' && at() != '>' && at() != '\0') {
-    if (!isAttributeStart(at())) {
+  if (!wideTag_.empty()) wideTag_.clear();
+  while (*cursor_ != '/' && *cursor_ != '>' && *cursor_ != '\0') {
+    if (!isAttributeStart(static_cast<unsigned char>(*cursor_))) {
       status_ = XMLParseStatus::BadAttributeName;
       return Next::Stop;
     }
@@ -333,30 +411,33 @@ Parser::Next Parser::startTag() {
     const char* nameStart = tokenStart_;
     size_t nameLength = tokenLength();
     skipSpace();
-    if (at() != '=') continue;  // a lone word: dropped without a message
+    if (*cursor_ != '=') continue;  // a lone word: dropped without a message
     step();
     skipSpace();
-    char quote = static_cast<char>(at());
+    char quote = *cursor_;
     if (quote != '"' && quote != '\'') continue;
     step();
+    // The value runs to the matching quote, line feeds included, or to the end of the text.
     const char* valueStart = cursor_;
-    scanTo(quote);
-    const char* valueEnd = cursor_;
+    bool needsDecoding = false;
+    cursor_ = quote == '"' ? scanToken<kDoubleQuotedStop>(needsDecoding) : scanToken<kSingleQuotedStop>(needsDecoding);
+    // Carriage returns stay in a value; only references are decoded.
+    char* value = decodedText(valueStart, cursor_, needsDecoding, false);
     step();
     skipSpace();
-    element->setAttribute(copyXmlString(nameStart, nameLength), decodeXmlToken(valueStart, valueEnd, false));
+    addAttribute(element, nameStart, nameLength, value);
   }
-  if (at() == '>') {
+  if (*cursor_ == '>') {
     step();
     return Next::Text;
   }
-  if (at() == '/') return endTag();
+  if (*cursor_ == '/') return endTag();
   return Next::Stop;  // the text ended inside the tag
 }
 
 Parser::Next Parser::endTag() {
   // The cursor stands on "/".
-  if (at(1) != '>') {
+  if (cursor_[1] != '>') {
     step();
     readName();
     skipSpace();
@@ -369,7 +450,7 @@ Parser::Next Parser::endTag() {
         return Next::Stop;
       }
     }
-    if (at() != '>') return Next::Text;
+    if (*cursor_ != '>') return Next::Text;
   } else {
     step();
   }
@@ -386,22 +467,22 @@ void Parser::closeInnermost() {
     return;
   }
   // A later top-level element replaces the earlier one: the last one is the root.
-  delete result_;
+  discard(result_);
   result_ = element;
 }
 
-void Parser::linkToInnermost(XMLNode* node) { open_.back()->addChild(node); }
-
 Parser::Next Parser::text() {
-  uint32_t startLine = line_;
   const char* start = cursor_;
-  scanTo('<');
-  if (keepText_ && !open_.empty()) {
-    auto* data = new XMLData(decodeXmlToken(start, cursor_, true));
-    data->setLine(startLine);
-    linkToInnermost(data);
+  if (!keepText_ || open_.empty()) {
+    // Nothing is made of this text, so only its end is looked for.
+    scanTo('<');
+  } else {
+    uint32_t startLine = lineAt(start);
+    bool needsDecoding = false;
+    cursor_ = scanToken<kTextStop>(needsDecoding);
+    linkToInnermost(makeNode<XMLData>(decodedText(start, cursor_, needsDecoding, true), startLine));
   }
-  return at() == '<' ? Next::Tag : Next::Stop;
+  return *cursor_ == '<' ? Next::Tag : Next::Stop;
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 // The library's one XML parser: single pass, non-validating and lenient. It builds
 // the tree through the document's createElement, so that each document class gets
-// its own element class. Only a bad attribute name and a mismatched end tag are errors.
+// its own element class; a document with an arena gets every node and string from
+// it. Only a bad attribute name and a mismatched end tag are errors.
 #pragma once
 #include <cstdint>
 
@@ -20,9 +21,5 @@ struct XMLParseResult {
 
 // Parses zero-terminated text. Version, encoding and document type go to the document.
 XMLParseResult parseXML(XMLDocument& document, const char* text);
-
-// Copies a token with the five named entities and numeric character references
-// decoded; with dropCarriageReturns, bytes 0x0D are left out (text, not values).
-char* decodeXmlToken(const char* begin, const char* end, bool dropCarriageReturns);
 
 }  // namespace regmill

@@ -6,15 +6,6 @@
 
 namespace regmill {
 
-bool OutputTree::reserve(uint64_t count) {
-  if (!fits(count)) {
-    refused_ = true;
-    return false;
-  }
-  remaining_ -= count;
-  return true;
-}
-
 MemoryMapElement* OutputTree::append(XMLNode* parent, const char* tag) {
   MemoryMapElement* element = document_.newElement(tag);
   parent->addChild(element);

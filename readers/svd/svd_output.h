@@ -8,28 +8,28 @@
 #include <cstdint>
 #include <string_view>
 
+#include "memorymap/element_budget.h"
 #include "memorymap/memory_map.h"
 
 namespace regmill {
 
 class OutputTree {
  public:
-  OutputTree(MemoryMap& document, size_t elementLimit) : document_(document), remaining_(elementLimit) {}
+  OutputTree(MemoryMap& document, size_t elementLimit) : document_(document), budget_(elementLimit) {}
 
   // Books `count` elements for making; false, and refused for good, past the limit.
-  bool reserve(uint64_t count);
+  bool reserve(uint64_t count) { return budget_.reserve(count); }
   // Whether `count` more elements would still fit, booking nothing.
-  bool fits(uint64_t count) const { return !refused_ && count <= remaining_; }
-  void refuse() { refused_ = true; }
-  bool refused() const { return refused_; }
+  bool fits(uint64_t count) const { return budget_.fits(count); }
+  void refuse() { budget_.refuse(); }
+  bool refused() const { return budget_.refused(); }
 
   // Makes an element of the tag and appends it to `parent`.
   MemoryMapElement* append(XMLNode* parent, const char* tag);
 
  private:
   MemoryMap& document_;
-  uint64_t remaining_;
-  bool refused_ = false;
+  ElementBudget budget_;
 };
 
 // Sets an attribute to a copy of the text.

@@ -107,7 +107,7 @@ void readPeripheral(SVDReadContext& context, const XMLElement* element) {
   texts.appendToName = peripheral.text(SVDTag::AppendToName);
   texts.size = peripheral.text(SVDTag::Size);
   if (const XMLElement* registers = peripheral.element(SVDTag::Registers)) placeClusters(context, texts, registers);
-  if (!context.has(KeepInterrupts)) readInterrupts(context.file, element);
+  if (!context.has(SVDReaderFlag::KeepInterrupts)) readInterrupts(context.file, element);
 }
 
 }  // namespace regmill

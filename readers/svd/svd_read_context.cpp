@@ -9,7 +9,7 @@ SVDReadContext::SVDReadContext(SVDFile& target, const XMLNode* firstTopLevelNode
 }
 
 std::string SVDReadContext::description(const TextValue& text) const {
-  if (has(IgnoreDescription)) return {};
+  if (has(SVDReaderFlag::IgnoreDescription)) return {};
   return lineBreaksToMarkup(text.view());
 }
 

@@ -31,7 +31,7 @@ struct SVDReadContext {
   std::string description(const TextValue& text) const;
   // Whether -ignore-name drops a field of this name: a case-insensitive prefix test.
   bool ignoresField(std::string_view name) const;
-  bool has(uint32_t flag) const { return (flags & flag) != 0; }
+  bool has(SVDReaderFlag flag) const { return hasFlag(flags, flag); }
 
   SVDFile& file;
   uint32_t flags;

@@ -35,32 +35,35 @@ void readPeripherals(SVDReadContext& context, const XMLElement* peripherals) {
 
 }  // namespace
 
-bool readDevice(SVDFile& file, const XMLNode* firstTopLevelNode, uint32_t flags, const char* ignoreName,
-                size_t elementLimit) {
+Status readDevice(SVDFile& file, const XMLNode* firstTopLevelNode, uint32_t flags, const char* ignoreName,
+                  size_t elementLimit) {
   const XMLElement* device = nextElementWithTag(firstTopLevelNode, "device");
-  if (device == nullptr) return false;
+  if (device == nullptr) return Status::failure("no device element");
   if (file.root() == nullptr) makeProcessorRoot(file);
   SVDReadContext context(file, firstTopLevelNode, flags, ignoreName, elementLimit);
   ChildTable children(device);
   readDeviceTexts(context, children);
   if (const XMLElement* peripherals = children.find(SVDTag::Peripherals)) readPeripherals(context, peripherals);
-  if (const XMLElement* cpu = children.find(SVDTag::Cpu); cpu != nullptr && !context.has(KeepCoreInfo))
+  if (const XMLElement* cpu = children.find(SVDTag::Cpu); cpu != nullptr && !context.has(SVDReaderFlag::KeepCoreInfo))
     readCoreValues(file, cpu);
-  return !context.output.refused();
+  if (context.output.refused()) return Status::failure("the arrays ask for more elements than a read may make");
+  return Status();
 }
 
-bool loadSVDFromText(SVDFile& file, const char* text, uint32_t flags, const char* ignoreName, size_t elementLimit) {
+Status loadSVDFromText(SVDFile& file, const char* text, uint32_t flags, const char* ignoreName,
+                       size_t elementLimit) {
   makeProcessorRoot(file);
-  QXMLDocument svd(true);
-  if (!svd.parse(text)) return false;
+  // The SVD text is parsed, read and thrown away, so its tree lives in an arena.
+  XMLDocument svd(true, XMLStorage::Arena);
+  if (Status parsed = svd.parse(text); !parsed) return parsed;
   return readDevice(file, svd.root(), flags, ignoreName, elementLimit);
 }
 
-bool loadSVD(SVDFile& file, const QString& path, uint32_t flags, const char* ignoreName) {
+Status loadSVD(SVDFile& file, const QString& path, uint32_t flags, const char* ignoreName) {
   makeProcessorRoot(file);
-  QXMLDocument svd(true);
-  if (!svd.load(path)) return false;
-  return readDevice(file, svd.root(), flags, ignoreName);
+  XMLDocument svd(true, XMLStorage::Arena);
+  if (Status loaded = svd.load(path.toLocal8Bit().constData()); !loaded) return loaded;
+  return readDevice(file, svd.root(), flags, ignoreName).inFile(path.toStdString());
 }
 
 }  // namespace regmill

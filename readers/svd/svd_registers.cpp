@@ -37,7 +37,7 @@ RegisterPlan planRegister(SVDReadContext& context, const XMLElement* element, st
   plan.array = readRegisterArray(reg);
   plan.name = reg.own.text(SVDTag::Name);
   plan.offset = reg.text(SVDTag::AddressOffset);
-  plan.size = registerSize(reg, peripheralSize, context.defaults, context.has(RegSizeInBytes));
+  plan.size = registerSize(reg, peripheralSize, context.defaults, context.has(SVDReaderFlag::RegSizeInBytes));
   TextValue access = textOrDefault(reg.text(SVDTag::Access), context.defaults.access);
   // "readAction" counts on the register itself only, never through its base.
   plan.access = mapAccess(access.view(), reg.own.text(SVDTag::ReadAction).view());

@@ -54,7 +54,7 @@ TEST(CommandLine, SwitchesSetFlagsAndDefaultsHold) {
   EXPECT_EQ(plain.options.firstVectorEntry, 16u);
   EXPECT_EQ(plain.options.readerFlags, 0u);
   CommandLine line = read({"-reg-size-bytes", "-ignore-description", "-mpu", "-fpu", "-pp", "-rdt", "-tcf"});
-  EXPECT_EQ(line.options.readerFlags, uint32_t{RegSizeInBytes | IgnoreDescription});
+  EXPECT_EQ(line.options.readerFlags, flagBit(SVDReaderFlag::RegSizeInBytes) | flagBit(SVDReaderFlag::IgnoreDescription));
   EXPECT_TRUE(line.options.coreHasMPU && line.options.coreHasFPU && line.options.addPPBGroups);
   EXPECT_TRUE(line.options.inputIsRDT && line.options.inputIsTCF);
 }

@@ -9,18 +9,19 @@ namespace regmill {
 namespace {
 
 struct Token {
-  int number;
+  CToken number;
   QString text;
   bool operator==(const Token&) const = default;
 };
 
 std::ostream& operator<<(std::ostream& out, const Token& token) {
-  return out << token.number << " '" << token.text.toStdString() << "'";
+  return out << static_cast<int>(token.number) << " '" << token.text.toStdString() << "'";
 }
 
 std::vector<Token> tokensOf(Lexer& lexer, const QString& text) {
   std::vector<Token> tokens;
-  for (lexer.setText(text); lexer.token() != EndOfInput; lexer.next()) tokens.push_back({lexer.token(), lexer.text()});
+  for (lexer.setText(text); lexer.token() != static_cast<int>(CToken::EndOfInput); lexer.next())
+    tokens.push_back({static_cast<CToken>(lexer.token()), lexer.text()});
   return tokens;
 }
 
@@ -32,23 +33,23 @@ struct LexCase {
 // The first rule that matches wins, however long a later rule's match would be.
 TEST(CStyleLexer, FirstMatchingRuleWins) {
   const LexCase cases[] = {
-      {"0X10", {{DecimalInteger, "0"}, {Identifier, "X10"}}},
-      {"0x", {{HexInteger, "0x"}}},
-      {"0x1fULL+7ul", {{HexInteger, "0x1fULL"}, {PlusSign, "+"}, {DecimalInteger, "7ul"}}},
-      {"0b1021", {{BinaryInteger, "0b10"}, {DecimalInteger, "21"}}},
-      {"1.5 1. .5", {{FloatNumber, "1.5"}, {DecimalInteger, "1"}, {Period, "."}, {Period, "."}, {DecimalInteger, "5"}}},
-      {"\"a b\"c", {{StringLiteral, "\"a b\""}, {Identifier, "c"}}},
-      {"$x_1@r0@", {{Identifier, "$x_1"}, {RegisterName, "@r0"}, {RegisterName, "@"}}},
-      {"a::b:c", {{Identifier, "a"}, {ScopeSeparator, "::"}, {Identifier, "b"}, {Colon, ":"}, {Identifier, "c"}}},
-      {">>>=>>>>>=>>", {{ShiftRightUnsignedAssign, ">>>="}, {ShiftRightUnsigned, ">>>"}, {ShiftRightAssign, ">>="},
-                        {ShiftRight, ">>"}}},
-      {"<<=<<<=<", {{ShiftLeftAssign, "<<="}, {ShiftLeft, "<<"}, {LessEqual, "<="}, {Less, "<"}}},
-      {"&&&=&", {{AndAnd, "&&"}, {AndAssign, "&="}, {Ampersand, "&"}}},
-      {"|||=|", {{BarBar, "||"}, {OrAssign, "|="}, {Bar, "|"}}},
-      {"!=!==", {{NotEqual, "!="}, {NotEqual, "!="}, {Assign, "="}}},
-      {"->--+++", {{Arrow, "->"}, {Decrement, "--"}, {Increment, "++"}, {PlusSign, "+"}}},
-      {"?,;~^=^", {{Question, "?"}, {Comma, ","}, {Semicolon, ";"}, {Tilde, "~"}, {XorAssign, "^="}, {Caret, "^"}}},
-      {"*=/%=", {{StarAssign, "*="}, {Slash, "/"}, {PercentAssign, "%="}}},
+      {"0X10", {{CToken::DecimalInteger, "0"}, {CToken::Identifier, "X10"}}},
+      {"0x", {{CToken::HexInteger, "0x"}}},
+      {"0x1fULL+7ul", {{CToken::HexInteger, "0x1fULL"}, {CToken::PlusSign, "+"}, {CToken::DecimalInteger, "7ul"}}},
+      {"0b1021", {{CToken::BinaryInteger, "0b10"}, {CToken::DecimalInteger, "21"}}},
+      {"1.5 1. .5", {{CToken::FloatNumber, "1.5"}, {CToken::DecimalInteger, "1"}, {CToken::Period, "."}, {CToken::Period, "."}, {CToken::DecimalInteger, "5"}}},
+      {"\"a b\"c", {{CToken::StringLiteral, "\"a b\""}, {CToken::Identifier, "c"}}},
+      {"$x_1@r0@", {{CToken::Identifier, "$x_1"}, {CToken::RegisterName, "@r0"}, {CToken::RegisterName, "@"}}},
+      {"a::b:c", {{CToken::Identifier, "a"}, {CToken::ScopeSeparator, "::"}, {CToken::Identifier, "b"}, {CToken::Colon, ":"}, {CToken::Identifier, "c"}}},
+      {">>>=>>>>>=>>", {{CToken::ShiftRightUnsignedAssign, ">>>="}, {CToken::ShiftRightUnsigned, ">>>"}, {CToken::ShiftRightAssign, ">>="},
+                        {CToken::ShiftRight, ">>"}}},
+      {"<<=<<<=<", {{CToken::ShiftLeftAssign, "<<="}, {CToken::ShiftLeft, "<<"}, {CToken::LessEqual, "<="}, {CToken::Less, "<"}}},
+      {"&&&=&", {{CToken::AndAnd, "&&"}, {CToken::AndAssign, "&="}, {CToken::Ampersand, "&"}}},
+      {"|||=|", {{CToken::BarBar, "||"}, {CToken::OrAssign, "|="}, {CToken::Bar, "|"}}},
+      {"!=!==", {{CToken::NotEqual, "!="}, {CToken::NotEqual, "!="}, {CToken::Assign, "="}}},
+      {"->--+++", {{CToken::Arrow, "->"}, {CToken::Decrement, "--"}, {CToken::Increment, "++"}, {CToken::PlusSign, "+"}}},
+      {"?,;~^=^", {{CToken::Question, "?"}, {CToken::Comma, ","}, {CToken::Semicolon, ";"}, {CToken::Tilde, "~"}, {CToken::XorAssign, "^="}, {CToken::Caret, "^"}}},
+      {"*=/%=", {{CToken::StarAssign, "*="}, {CToken::Slash, "/"}, {CToken::PercentAssign, "%="}}},
   };
   for (const LexCase& c : cases) {
     CStyleLexer lexer;
@@ -58,7 +59,7 @@ TEST(CStyleLexer, FirstMatchingRuleWins) {
 
 TEST(CStyleLexer, SkipsUnicodeWhiteSpace) {
   CStyleLexer lexer;
-  std::vector<Token> expected = {{DecimalInteger, "1"}, {PlusSign, "+"}, {DecimalInteger, "2"}};
+  std::vector<Token> expected = {{CToken::DecimalInteger, "1"}, {CToken::PlusSign, "+"}, {CToken::DecimalInteger, "2"}};
   EXPECT_EQ(tokensOf(lexer, QStringLiteral("\t1\u00a0+\n2  ")), expected);
 }
 
@@ -67,7 +68,7 @@ TEST(CStyleLexer, EndOfInputKeepsThePrecedenceOfTheTokenBefore) {
   lexer.setText(QStringLiteral("1 +"));
   lexer.next();
   lexer.next();
-  EXPECT_EQ(lexer.token(), EndOfInput);
+  EXPECT_EQ(lexer.token(), static_cast<int>(CToken::EndOfInput));
   EXPECT_EQ(lexer.precedence(), 8);
   EXPECT_EQ(lexer.position(), 3);
 }
@@ -84,8 +85,8 @@ class ExpandingLexer : public CStyleLexer {
 
 TEST(Lexer, ReadsAnExpansionInPlaceOfItsIdentifier) {
   ExpandingLexer lexer;
-  std::vector<Token> expected = {{DecimalInteger, "1"}, {PlusSign, "+"}, {DecimalInteger, "1"},
-                                 {Star, "*"},           {Identifier, "x"}};
+  std::vector<Token> expected = {{CToken::DecimalInteger, "1"}, {CToken::PlusSign, "+"}, {CToken::DecimalInteger, "1"},
+                                 {CToken::Star, "*"},           {CToken::Identifier, "x"}};
   EXPECT_EQ(tokensOf(lexer, QStringLiteral("TWO*x")), expected);
 }
 

@@ -14,11 +14,11 @@ using testing::writtenText;
 // finds no processor, or "(unreadable NAME)" when it stops at an instance file.
 std::string convert(const std::string& text) {
   XMLDocument input(false);
-  input.parse(text.c_str());
+  input.parse(text.c_str()).ignore();
   SVDFile document;
-  RDTReadResult result = readRDT(input.root(), document);
-  if (result.unreadableFile) return "(unreadable " + *result.unreadableFile + ")";
-  return (result.cpuFound ? "" : "(no cpu)") + writtenText(document);
+  Expected<bool> result = readRDT(input.root(), document);
+  if (!result.ok()) return "(unreadable " + result.status().file() + ")";
+  return (*result ? "" : "(no cpu)") + writtenText(document);
 }
 
 std::string processor(const std::string& children) { return "<cpu id=\"CortexA9_0\">" + children + "</cpu>"; }

@@ -6,6 +6,7 @@
 #include <sstream>
 #include <stdexcept>
 
+#include <gtest/gtest.h>
 #include <unistd.h>
 
 #include "xml/xml_document.h"
@@ -51,7 +52,7 @@ std::string capturedOutput(const std::function<void(std::FILE*)>& write) {
 }
 
 std::string writtenText(XMLDocument& document, unsigned indentation, unsigned maxLineLength) {
-  return capturedOutput([&](std::FILE* stream) { document.write(stream, indentation, maxLineLength); });
+  return capturedOutput([&](std::FILE* stream) { EXPECT_TRUE(document.write(stream, indentation, maxLineLength)); });
 }
 
 std::filesystem::path corpusFolder(const std::string& name) {

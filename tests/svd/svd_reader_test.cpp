@@ -40,7 +40,7 @@ end</description><peripherals>
 </Processor>
 )";
   EXPECT_EQ(convertSVD(svd), described);
-  EXPECT_EQ(convertSVD(svd, IgnoreDescription),
+  EXPECT_EQ(convertSVD(svd, flagBit(SVDReaderFlag::IgnoreDescription)),
             std::regex_replace(described, std::regex(R"( description="[^"]*")"), ""));
 }
 
@@ -54,7 +54,7 @@ TEST(SVDReader, RegisterSizeFallsBackAndIsDecimalBitsUnlessInBytes) {
     <peripheral><name>P2</name><registers><register/></registers></peripheral>
   </peripherals>)");
   EXPECT_EQ(attributeValues(svd, "Register", {"size"}), (Values{"0", "4", "1", "2", "4", "1", "4"}));
-  EXPECT_EQ(attributeValues(svd, "Register", {"size"}, RegSizeInBytes),
+  EXPECT_EQ(attributeValues(svd, "Register", {"size"}, flagBit(SVDReaderFlag::RegSizeInBytes)),
             (Values{"0", "32", "12", "16", "32", "8", "32"}));
   EXPECT_EQ(attributeValues(registersWith("<register/>", "<width>32</width><size>8</size>"), "Register", {"size"}),
             Values{"1"});

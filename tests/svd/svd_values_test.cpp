@@ -41,7 +41,7 @@ TEST(SVDValues, InterruptsFillTheTableByDecimalNumber) {
   for (const auto& [index, name] : expected) EXPECT_STREQ(file.interruptName(index), name) << index;
   EXPECT_EQ(file.highestInterrupt, 16);
   // With KeepInterrupts, or without a table, nothing is stored and the highest stays.
-  ASSERT_TRUE(loadSVDFromText(kept, svd.c_str(), KeepInterrupts, nullptr));
+  ASSERT_TRUE(loadSVDFromText(kept, svd.c_str(), flagBit(SVDReaderFlag::KeepInterrupts), nullptr));
   ASSERT_TRUE(loadSVDFromText(withoutTable, svd.c_str(), 0, nullptr));
   EXPECT_EQ(kept.highestInterrupt, -1);
   EXPECT_EQ(kept.interruptName(16), nullptr);
@@ -67,7 +67,7 @@ TEST(SVDValues, CpuReplacesTheCoreValues) {
       {"<name>CM55</name><nvicPrioBits>3</nvicPrioBits>", "4 vtor bits 3"},
       {"<name>cm3</name><nvicPrioBits>-1</nvicPrioBits>", "4 vtor bits 0"}};
   for (const auto& [cpu, expected] : cases) EXPECT_EQ(core(cpu), expected) << cpu;
-  EXPECT_EQ(core("<name>CM0</name>", KeepCoreInfo), "4 vtor mpu fpu bits 2");
+  EXPECT_EQ(core("<name>CM0</name>", flagBit(SVDReaderFlag::KeepCoreInfo)), "4 vtor mpu fpu bits 2");
 }
 
 }  // namespace

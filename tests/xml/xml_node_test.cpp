@@ -8,7 +8,7 @@
 
 #include "tests/support/scratch_folder.h"
 #include "tests/support/tree_dump.h"
-#include "xml/xml_document.h"
+#include "xml/qt_xml_document.h"
 
 namespace regmill {
 namespace {

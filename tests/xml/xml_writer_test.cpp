@@ -3,14 +3,18 @@
 #include "xml/xml_writer.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
+#include <csignal>
+#include <cstdio>
+#include <filesystem>
 #include <initializer_list>
 #include <string>
 #include <utility>
 
 #include "tests/support/scratch_folder.h"
 #include "tests/support/tree_dump.h"
-#include "xml/xml_document.h"
+#include "xml/qt_xml_document.h"
 
 namespace regmill {
 namespace {
@@ -112,6 +116,34 @@ TEST(XmlWriter, SaveWritesThePrologAndTreeOrReportsThePath) {
   XMLDocument encodingOnly(false);  // without a root nothing follows the prolog
   encodingOnly.setEncoding(owned("e"));
   EXPECT_EQ(writtenText(encodingOnly, 2, 0), "<?xml  encoding=\"e\" ?>\n");
+}
+
+TEST(XmlWriter, AWriteThatFailsIsReportedAndASaveLeavesTheTargetAsItWas) {
+  testing::ScratchFolder folder;
+  QXMLDocument document(false);
+  ASSERT_TRUE(document.parse(("<a x='" + std::string(100000, 'v') + "'/>").c_str()));
+  std::FILE* full = std::fopen("/dev/full", "wb");
+  ASSERT_NE(full, nullptr);
+  EXPECT_FALSE(document.write(full, 2, 0).ok());
+  std::fclose(full);
+
+  // A file-size limit makes the writes fail part way, as a full disk would.
+  std::string target = folder.write("out.xml", "precious");
+  rlimit saved{};
+  ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &saved), 0);
+  rlimit small = saved;
+  small.rlim_cur = 4096;
+  auto previousHandler = std::signal(SIGXFSZ, SIG_IGN);
+  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
+  Status result = document.save(QString::fromStdString(target), 2, 0);
+  setrlimit(RLIMIT_FSIZE, &saved);
+  std::signal(SIGXFSZ, previousHandler);
+  EXPECT_FALSE(result.ok());
+  EXPECT_EQ(std::string(document.errorText()), "couldn't write " + target);
+  EXPECT_EQ(folder.read("out.xml"), "precious");
+  size_t files = 0;
+  for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(folder.path())) ++files;
+  EXPECT_EQ(files, 1u);  // no temporary file stays behind
 }
 
 }  // namespace

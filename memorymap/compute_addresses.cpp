@@ -1,4 +1,4 @@
-#include "expr/compute_addresses.h"
+#include "memorymap/compute_addresses.h"
 
 #include <string>
 #include <string_view>

@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "expr/compute_addresses.h"
+#include "memorymap/compute_addresses.h"
 
 namespace regmill {
 namespace {
