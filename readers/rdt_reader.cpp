@@ -28,25 +28,67 @@ class RDTBuilder {
  public:
   RDTBuilder(MemoryMap& document, size_t elementLimit) : maker_(document, elementLimit) {}
 
+  // The elements are counted before any is made, so that a register file named by
+  // thousands of instances is refused at once instead of after filling the budget.
   Status build(XMLElement* cpu, MemoryMapElement* root) {
+    uint64_t planned = 0;
+    Status counted = forEachInstance(cpu, [&](XMLElement* instance) -> Status {
+      Expected<const XMLDocument*> registers = registerFileOf(instance);
+      if (!registers) return registers.status();
+      planned += 1 + elementsPerInstance(*registers);
+      return Status();
+    });
+    if (!counted) return counted;
+    if (!maker_.budget().fits(planned)) return Status::failure(kElementBudgetSpent);
+    return forEachInstance(cpu, [&](XMLElement* instance) -> Status {
+      if (Status added = addInstance(root, instance); !added) return added;
+      if (maker_.budget().refused()) return Status::failure(kElementBudgetSpent);
+      return Status();
+    });
+  }
+
+ private:
+  // The instances up to the first child that is no element, until one fails.
+  template <typename Visit>
+  static Status forEachInstance(XMLElement* cpu, Visit visit) {
     for (XMLNode* child = cpu->firstChild(); child != nullptr; child = child->nextSibling()) {
       if (!child->isElement()) break;
       if (std::strcmp(child->getName(), "instance") != 0) continue;
-      if (Status added = addInstance(root, static_cast<XMLElement*>(child)); !added) return added;
-      if (maker_.budget().refused()) return Status::failure(kElementBudgetSpent);
+      if (Status visited = visit(static_cast<XMLElement*>(child)); !visited) return visited;
     }
     return Status();
   }
 
- private:
+  Expected<const XMLDocument*> registerFileOf(XMLElement* instance) {
+    const char* file = instance->getAttribute("xml");
+    if (file == nullptr) return Status::failure("the instance names no register file");
+    return registerFile(file);
+  }
+
+  // What addRegister makes for the registers of one file, counted once per file.
+  uint64_t elementsPerInstance(const XMLDocument* registers) {
+    auto [counted, isNew] = elementCounts_.try_emplace(registers, 0);
+    if (!isNew || registers->root() == nullptr) return counted->second;
+    uint64_t count = 0;
+    forEachChildUntilText(registers->root(), "register", [&](XMLElement* reg) {
+      ++count;
+      forEachChildUntilText(reg, "bitfield", [&](XMLElement* field) {
+        const char* id = field->getAttribute("id");
+        if (id != nullptr && std::strcmp(id, "RESERVED") == 0) return;
+        ++count;
+        for (XMLNode* child = field->firstChild(); child != nullptr && child->isElement(); child = child->nextSibling())
+          ++count;
+      });
+    });
+    return counted->second = count;
+  }
+
   Status addInstance(MemoryMapElement* root, XMLElement* instance) {
     MemoryMapElement* group = maker_.append(root, "RegisterGroup");
     if (group == nullptr) return Status();
     group->setAttributeCopy("name", instance->getAttribute("id"));
     group->setAttributeCopy("start", instance->getAttribute("baseaddr"));
-    const char* file = instance->getAttribute("xml");
-    if (file == nullptr) return Status::failure("the instance names no register file");
-    Expected<const XMLDocument*> registers = registerFile(file);
+    Expected<const XMLDocument*> registers = registerFileOf(instance);
     if (!registers) return registers.status();
     // A file whose text doesn't begin with a tag loads without a root: the group stays empty.
     if (XMLNode* fileRoot = (*registers)->root())
@@ -95,6 +137,7 @@ class RDTBuilder {
   BudgetedMaker maker_;
   std::unordered_map<std::string, std::unique_ptr<XMLDocument>, TransparentStringHash, std::equal_to<>>
       registerFiles_;
+  std::unordered_map<const XMLDocument*, uint64_t> elementCounts_;
 };
 
 }  // namespace

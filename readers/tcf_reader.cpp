@@ -34,13 +34,46 @@ class TCFBuilder {
     });
   }
 
-  // False when the output passed the element budget.
+  // False when the output would pass the element budget. The elements are counted
+  // before any is made, so that an enumeration repeated under thousands of fields is
+  // refused at once instead of after filling the budget.
   bool build(MemoryMapElement* root) {
+    if (!maker_.budget().fits(plannedElements())) return false;
     forEachChildUntilText(board_, "peripheral", [&](XMLElement* peripheral) { addPeripheral(root, peripheral); });
     return !maker_.budget().refused();
   }
 
  private:
+  // The groups, registers, fields and enums the board makes, as the builder walks it.
+  uint64_t plannedElements() {
+    uint64_t count = 0;
+    forEachChildUntilText(board_, "peripheral", [&](XMLElement* peripheral) {
+      ++count;
+      forEachChildUntilText(peripheral, "register", [&](XMLElement* reg) {
+        ++count;
+        forEachChildUntilText(reg, "bitField", [&](XMLElement* field) {
+          count += 1 + enumCount(field->getAttribute("enumerationId"));
+        });
+      });
+    });
+    return count;
+  }
+
+  // The names of the enumeration, counted once for all the fields that name it.
+  uint64_t enumCount(const char* enumerationId) {
+    const char* values = enumerationId == nullptr ? nullptr : enumerationValues(enumerationId);
+    if (values == nullptr) return 0;
+    auto [counted, isNew] = enumCounts_.try_emplace(enumerationId, 0);
+    if (isNew) counted->second = splitSkippingEmpty(values, ',').size();
+    return counted->second;
+  }
+
+  // The value list of the first enumeration of that name, or null.
+  const char* enumerationValues(const char* enumerationId) const {
+    auto found = enumerations_.find(enumerationId);
+    return found == enumerations_.end() ? nullptr : found->second->getAttribute("values");
+  }
+
   void addPeripheral(MemoryMapElement* root, XMLElement* peripheral) {
     MemoryMapElement* group = maker_.append(root, "RegisterGroup");
     if (group == nullptr) return;
@@ -75,10 +108,7 @@ class TCFBuilder {
 
   // The value list is taken whole, however long: no name of it is cut off.
   void addEnums(MemoryMapElement* field, const char* enumerationId) {
-    if (enumerationId == nullptr) return;
-    auto found = enumerations_.find(enumerationId);
-    if (found == enumerations_.end()) return;
-    const char* values = found->second->getAttribute("values");
+    const char* values = enumerationId == nullptr ? nullptr : enumerationValues(enumerationId);
     if (values == nullptr) return;
     std::vector<std::string_view> names = splitSkippingEmpty(values, ',');
     if (!maker_.budget().reserve(names.size())) return;
@@ -94,6 +124,7 @@ class TCFBuilder {
   XMLElement* board_;
   // Keys point into the input tree, which outlives the builder.
   std::unordered_map<std::string_view, XMLElement*> enumerations_;
+  std::unordered_map<std::string_view, uint64_t> enumCounts_;
 };
 
 }  // namespace

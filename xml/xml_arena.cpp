@@ -26,17 +26,6 @@ XMLArena::~XMLArena() {
   }
 }
 
-void* XMLArena::allocate(size_t size, size_t alignment) {
-  if (cursor_ != nullptr) {
-    char* at = alignUp(cursor_, alignment);
-    if (at <= end_ && size <= static_cast<size_t>(end_ - at)) {
-      cursor_ = at + size;
-      return at;
-    }
-  }
-  return allocateInNewBlock(size, alignment);
-}
-
 void* XMLArena::allocateInNewBlock(size_t size, size_t alignment) {
   size_t needed = sizeof(Block) + alignment + size;
   if (needed > nextBlockSize_ / 4) {
@@ -61,13 +50,6 @@ void* XMLArena::allocateInNewBlock(size_t size, size_t alignment) {
   char* at = alignUp(cursor_, alignment);
   cursor_ = at + size;
   return at;
-}
-
-char* XMLArena::copyString(const char* text, size_t length) {
-  auto* copy = static_cast<char*>(allocate(length + 1, 1));
-  if (length != 0) std::memcpy(copy, text, length);
-  copy[length] = '\0';
-  return copy;
 }
 
 }  // namespace regmill

@@ -5,6 +5,8 @@
 // live in the same arena belong here.
 #pragma once
 #include <cstddef>
+#include <cstdint>
+#include <cstring>
 #include <new>
 #include <utility>
 
@@ -17,9 +19,24 @@ class XMLArena {
   XMLArena(const XMLArena&) = delete;
   XMLArena& operator=(const XMLArena&) = delete;
 
-  void* allocate(size_t size, size_t alignment);
+  // The common case, a piece that fits the current block, is inline.
+  void* allocate(size_t size, size_t alignment) {
+    auto address = reinterpret_cast<uintptr_t>(cursor_);
+    auto padding = static_cast<size_t>(-address & (alignment - 1));  // alignment is a power of two
+    if (cursor_ != nullptr && padding + size <= static_cast<size_t>(end_ - cursor_)) {
+      char* at = cursor_ + padding;
+      cursor_ = at + size;
+      return at;
+    }
+    return allocateInNewBlock(size, alignment);
+  }
   // `length` bytes of `text` and a terminating zero.
-  char* copyString(const char* text, size_t length);
+  char* copyString(const char* text, size_t length) {
+    auto* copy = static_cast<char*>(allocate(length + 1, 1));
+    if (length != 0) std::memcpy(copy, text, length);
+    copy[length] = '\0';
+    return copy;
+  }
 
   template <typename T, typename... Arguments>
   T* make(Arguments&&... arguments) {

@@ -3,7 +3,7 @@
 #include <cstring>
 #include <optional>
 #include <string_view>
-#include <vector>
+
 
 namespace regmill {
 
@@ -15,38 +15,48 @@ constexpr std::array<std::string_view, static_cast<size_t>(SVDTag::Count)> kSVDT
     "registers", "addressOffset", "alternateCluster", "dim", "dimIncrement", "dimIndex", "readAction",
     "fields", "bitOffset", "bitWidth", "bitRange", "lsb", "msb", "enumeratedValues", "value"};
 
-// The tags grouped by first letter; within a group the length is compared first, so
-// a child's tag is compared byte by byte with a name or two at most.
-class TagClassifier {
- public:
-  TagClassifier() {
-    for (size_t i = 0; i < kSVDTagNames.size(); ++i)
-      groups_[static_cast<size_t>(kSVDTagNames[i][0] - 'a')].push_back(static_cast<SVDTag>(i));
-  }
-  std::optional<SVDTag> find(const char* tag) const {
-    if (tag[0] < 'a' || tag[0] > 'z') return std::nullopt;
-    size_t length = std::strlen(tag);
-    for (SVDTag candidate : groups_[static_cast<size_t>(tag[0] - 'a')]) {
-      std::string_view name = kSVDTagNames[static_cast<size_t>(candidate)];
-      if (name.size() == length && std::memcmp(name.data(), tag, length) == 0) return candidate;
-    }
-    return std::nullopt;
-  }
+// A child's tag is found with one probe of a small table, by its length, first and
+// last byte, and one comparison; the tags are known to take one slot each.
+constexpr size_t kTagSlots = 1024;
+constexpr uint8_t kNoTag = 0xFF;
 
- private:
-  std::array<std::vector<SVDTag>, 26> groups_;
+constexpr size_t tagSlot(std::string_view name) {
+  return (name.size() * 131 + static_cast<unsigned char>(name.front()) * 7 + static_cast<unsigned char>(name.back())) %
+         kTagSlots;
+}
+
+struct TagSlots {
+  std::array<uint8_t, kTagSlots> index{};
+  bool eachInItsOwnSlot = true;
+  constexpr TagSlots() {
+    index.fill(kNoTag);
+    for (size_t i = 0; i < kSVDTagNames.size(); ++i) {
+      uint8_t& slot = index[tagSlot(kSVDTagNames[i])];
+      if (slot != kNoTag) eachInItsOwnSlot = false;
+      slot = static_cast<uint8_t>(i);
+    }
+  }
 };
+constexpr TagSlots kTagTable;
+static_assert(kTagTable.eachInItsOwnSlot, "two SVD tags share a slot: change tagSlot");
+
+std::optional<SVDTag> classifyTag(const char* tag) {
+  std::string_view name(tag);
+  if (name.empty()) return std::nullopt;
+  uint8_t index = kTagTable.index[tagSlot(name)];
+  if (index == kNoTag || kSVDTagNames[index] != name) return std::nullopt;
+  return static_cast<SVDTag>(index);
+}
 
 }  // namespace
 
 ChildTable::ChildTable(const XMLElement* element) {
   first_.fill(nullptr);
   if (element == nullptr) return;
-  static const TagClassifier tags;
   for (const XMLNode* node = element->firstChild(); node != nullptr; node = node->nextSibling()) {
     ++childCount_;
     if (!node->isElement()) continue;
-    std::optional<SVDTag> found = tags.find(node->getName());
+    std::optional<SVDTag> found = classifyTag(node->getName());
     if (!found) continue;
     const XMLElement*& slot = first_[static_cast<size_t>(*found)];
     if (slot == nullptr) slot = static_cast<const XMLElement*>(node);

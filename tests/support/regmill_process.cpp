@@ -1,6 +1,7 @@
 #include "tests/support/regmill_process.h"
 
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -12,7 +13,8 @@
 
 namespace regmill::testing {
 
-ProcessResult runRegmill(const std::vector<std::string>& arguments, const std::filesystem::path& folder) {
+ProcessResult runRegmill(const std::vector<std::string>& arguments, const std::filesystem::path& folder,
+                         const std::function<void()>& beforeExec) {
   // Output goes to files of another scratch folder, so that the run's own folder
   // holds only what regmill writes.
   ScratchFolder capture;
@@ -28,6 +30,7 @@ ProcessResult runRegmill(const std::vector<std::string>& arguments, const std::f
     if (out < 0 || err < 0) _exit(127);
     dup2(out, 1);
     dup2(err, 2);
+    if (beforeExec) beforeExec();
     std::vector<char*> pointers;
     for (std::string& argument : argv) pointers.push_back(argument.data());
     pointers.push_back(nullptr);
@@ -36,7 +39,12 @@ ProcessResult runRegmill(const std::vector<std::string>& arguments, const std::f
   }
   ProcessResult result;
   int status = 0;
-  if (child > 0 && waitpid(child, &status, 0) == child && WIFEXITED(status)) result.exitCode = WEXITSTATUS(status);
+  rusage usage{};
+  if (child > 0 && wait4(child, &status, 0, &usage) == child) {
+    if (WIFEXITED(status)) result.exitCode = WEXITSTATUS(status);
+    result.killedBySignal = WIFSIGNALED(status);
+    result.peakKilobytes = usage.ru_maxrss;
+  }
   result.out = readFile(outPath);
   result.err = readFile(errPath);
   return result;

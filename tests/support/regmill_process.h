@@ -2,6 +2,7 @@
 // exit code, stdout and stderr.
 #pragma once
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -11,8 +12,12 @@ struct ProcessResult {
   int exitCode = -1;
   std::string out;
   std::string err;
+  bool killedBySignal = false;
+  long peakKilobytes = 0;  // the child's largest resident size
 };
 
-ProcessResult runRegmill(const std::vector<std::string>& arguments, const std::filesystem::path& folder);
+// `beforeExec` runs in the child, e.g. to set resource limits.
+ProcessResult runRegmill(const std::vector<std::string>& arguments, const std::filesystem::path& folder,
+                         const std::function<void()>& beforeExec = {});
 
 }  // namespace regmill::testing
