@@ -40,7 +40,10 @@ Expected<std::string> readInputFile(const std::string& path, size_t limit) {
     if (S_ISDIR(info.st_mode)) return Status::failure("is a folder", path);
     if (S_ISREG(info.st_mode)) {
       if (static_cast<uint64_t>(info.st_size) > limit) return Status::failure("file too large", path);
-      contents.reserve(static_cast<size_t>(info.st_size) + 1);
+      // A regular file is read straight into place, without a copy through a block;
+      // should it have grown or shrunk since, the loop below sees to it.
+      contents.resize(static_cast<size_t>(info.st_size));
+      contents.resize(std::fread(contents.data(), 1, contents.size(), file.get()));
     }
   }
   char block[65536];
