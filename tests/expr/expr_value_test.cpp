@@ -54,17 +54,6 @@ TEST(ExprValue, FloatsGiveTheBitsOfTheirSize) {
   EXPECT_EQ(ExprValue::makeFloat(NAN).asSigned(), 0);
 }
 
-TEST(ExprValue, OtherKindsConvert) {
-  EXPECT_EQ(ExprValue::makeBool(true).asSigned(), 1);
-  EXPECT_EQ(ExprValue::makeBool(true).asFloat(), 1.0);
-  EXPECT_EQ(ExprValue::makeBool(true).size, 0u);
-  ExprValue none;
-  EXPECT_EQ(none.kind, ExprKind::None);
-  EXPECT_EQ(none.size, 2u);
-  EXPECT_EQ(none.asSigned(), 0);
-  EXPECT_EQ(ExprValue::makeString(QStringLiteral("12")).asUnsigned(), 0u);
-}
-
 TEST(ExprValue, EqualityNeedsTheSameKindAndSize) {
   EXPECT_TRUE(ExprValue::makeSigned(5).equals(ExprValue::makeSigned(5)));
   EXPECT_FALSE(ExprValue::makeSigned(5).equals(ExprValue::makeUnsigned(5)));
