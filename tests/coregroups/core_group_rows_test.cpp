@@ -83,7 +83,8 @@ TEST(CoreGroupRows, RowsOfEachGroup) {
 TEST(CoreGroupRows, PriorityBitsBeyondAByteGiveANegativeStart) {
   // Not a wrapped one.
   CoreDocument document;
-  EXPECT_EQ(registerLine(child(addSCBGroup(document.file, 0, 40, false), "SHPR2")), "SHPR2 0xe000ed1c: PRI_11(SVCall) -8:40");
+  EXPECT_EQ(registerLine(child(addSCBGroup(document.file, 0, 40, false), "SHPR2")),
+            "SHPR2 0xe000ed1c: PRI_11(SVCall) -8:40");
 }
 
 }  // namespace

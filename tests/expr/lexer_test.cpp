@@ -94,11 +94,14 @@ TEST(Lexer, StopsAnExpansionThatNamesItself) {
   EXPECT_THROW(lexer.setText(QStringLiteral("LOOP")), ParserException);
 }
 
-TEST(TokenPattern, RefusesSyntaxItDoesNotRead) {
+TEST(TokenPattern, RefusesSyntaxItDoesNotReadAndBacktracks) {
   for (const char16_t* text : {u"(a)", u"a|b", u"a{2}", u"[ab", u"a\\", u"^a"}) {
     EXPECT_FALSE(TokenPattern::compile(text)) << QString::fromUtf16(text).toStdString();
   }
   EXPECT_TRUE(TokenPattern::compile(u"?"));  // nothing to repeat: a literal "?"
+  // A greedy repetition gives way for the rest; a match starts at the position.
+  EXPECT_EQ(TokenPattern::compile(u"a*\\d?ab")->matchAt(u"xaaab", 1), 4);
+  EXPECT_EQ(TokenPattern::compile(u"ab")->matchAt(u"xab", 0), -1);
 }
 
 }  // namespace

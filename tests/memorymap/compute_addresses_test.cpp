@@ -81,7 +81,8 @@ TEST(ComputeAddresses, ElementsWithoutStartPassTheirBaseOn) {
   MemoryMapElement* reg = tree.add(other, "Register", "+4", "0x");
   MemoryMapElement* empty = tree.add(group, "Register", "", "");
   computeAddresses(root, 0);
-  EXPECT_EQ(placed({root, plain, other, reg, empty}), "0/0 0/0 0/0 4004/0 0/0");  // a kind without addresses ignores its start
+  // A kind without addresses ignores its start.
+  EXPECT_EQ(placed({root, plain, other, reg, empty}), "0/0 0/0 0/0 4004/0 0/0");
   MemoryMapElement* parent = root;
   for (int level = 0; level < 100000; ++level) parent = tree.add(parent, "RegisterGroup", "+1");
   computeAddresses(root, 0);  // deep trees need no deep stack

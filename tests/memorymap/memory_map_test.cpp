@@ -11,13 +11,15 @@
 namespace regmill {
 namespace {
 
-// Every kind is met by the address tests; near misses of a tag are no kind.
 TEST(MemoryMap, KindsComeFromExactTags) {
+  const std::pair<const char*, ElementKind> cases[] = {
+      {"MemorySegment", MemorySegmentKind}, {"Register", RegisterKind}, {"ProgramSection", ProgramSectionKind},
+      {"Root", RootKind}, {"RegisterGroup", RegisterGroupKind}, {"BitField", BitFieldKind}, {"Enum", EnumKind},
+      {"Processor", ProcessorKind}, {"Vector", VectorKind}, {"enum", OtherKind}, {"Registers", OtherKind},
+      {"", OtherKind}};
   MemoryMap map;
-  for (const char* tag : {"enum", "include", "Registers", "registergroup", ""}) {
-    std::unique_ptr<MemoryMapElement> element(map.newElement(tag));
-    EXPECT_EQ(element->kind(), OtherKind) << tag;
-  }
+  for (const auto& [tag, kind] : cases)
+    EXPECT_EQ(std::unique_ptr<MemoryMapElement>(map.newElement(tag))->kind(), kind) << tag;
 }
 
 TEST(MemoryMap, RootOfAnotherClassReadsAsNullAndParsedElementsAreMemoryMapElements) {

@@ -10,7 +10,10 @@ namespace {
 // The names of entries 0 to 4, "-" for none, and the highest entry.
 std::string table(const SVDFile& file) {
   std::string text;
-  for (int i = -1; i < 5; ++i) text += std::string(file.interruptName(i) == nullptr ? "-" : file.interruptName(i)) + " ";
+  for (int i = -1; i < 5; ++i) {
+    const char* name = file.interruptName(i);
+    text += std::string(name == nullptr ? "-" : name) + " ";
+  }
   return text + std::to_string(file.highestInterrupt);
 }
 
