@@ -120,13 +120,36 @@ TEST_F(RegmillRun, MissingOptionValueNamesTheOption) {
   EXPECT_FALSE(folder_.exists("out.xml"));
 }
 
-TEST_F(RegmillRun, DdfInputGivesTheDocumentedMemoryMapWithEitherLineEnd) {
+TEST_F(RegmillRun, DdfInputGivesTheDocumentedMemoryMapWithEitherLineEndAndAnyCoreOptions) {
   std::string crlf;
   for (char c : std::string(kUartDDF)) crlf += c == '\n' ? std::string("\r\n") : std::string(1, c);
   for (const std::string& input : {std::string(kUartDDF), crlf}) {
     folder_.write("uart.ddf", input);
     expectSuccess(run({"-ddf", "uart.ddf", "uart.xml"}));
     EXPECT_EQ(folder_.read("uart.xml"), kUartMap);
+  }
+  // Core options without a table or core groups change nothing.
+  expectSuccess(run({"-ddf", "-core", "4", "-mpu", "-fpu", "-irqs", "A;B", "-nvic", "0", "uart.ddf", "core.xml"}));
+  EXPECT_EQ(folder_.read("core.xml"), kUartMap);
+}
+
+TEST_F(RegmillRun, VectorTableFollowsTheInterruptListOrTheHeader) {
+  folder_.write("uart.ddf", kUartDDF);
+  folder_.write("device.h", "typedef enum {\n  SysTick_IRQn = -1,\n  WDT_IRQn = 0,\n  RTC_IRQn = 2,\n} IRQn_Type;\n");
+  // With the default first entry of 16 the names at 0 to 2 are not printed.
+  const std::pair<std::vector<std::string>, const char*> cases[] = {
+      {{"-irqs", "A;;B", "-irq-start", "0"}, "ISR_HANDLER A_IRQHandler\nISR_RESERVED\nISR_HANDLER B_IRQHandler\n"},
+      {{"-irqs", "A;;B", "-irq-start", "2"}, "ISR_HANDLER B_IRQHandler\n"},
+      {{"-irqs", "A;;B"}, ""},
+      {{"-irq-start", "0xFFFFFFFF"}, ""},
+      {{"-irqs2", "device.h", "-irq-start", "0"},
+       "ISR_HANDLER WDT_IRQHandler\nISR_RESERVED\nISR_HANDLER RTC_IRQHandler\n"}};
+  for (const auto& [options, vectors] : cases) {
+    std::vector<std::string> arguments{"-ddf", "-irq-table", "v"};
+    arguments.insert(arguments.end(), options.begin(), options.end());
+    arguments.insert(arguments.end(), {"uart.ddf", "out.xml"});
+    expectSuccess(run(arguments));
+    EXPECT_EQ(folder_.read("v.vec"), vectors) << options[1];
   }
 }
 
@@ -185,25 +208,6 @@ TEST_F(RegmillRun, RemovalsSkipEmptyPartsAndUnknownNamesAndTheIncludeComesLast) 
   EXPECT_EQ(folder_.read("none.xml").find("include"), std::string::npos);
 }
 
-TEST_F(RegmillRun, CoreOptionsWithoutTableChangeNothing) {
-  folder_.write("uart.ddf", kUartDDF);
-  expectSuccess(run({"-ddf", "-core", "4", "-mpu", "-fpu", "-irqs", "A;B", "-nvic", "0", "uart.ddf", "out.xml"}));
-  EXPECT_EQ(folder_.read("out.xml"), kUartMap);
-}
-
-TEST_F(RegmillRun, VectorTableFollowsTheInterruptList) {
-  folder_.write("uart.ddf", kUartDDF);
-  expectSuccess(run({"-ddf", "-irqs", "A;;B", "-irq-table", "all", "-irq-start", "0", "uart.ddf", "out.xml"}));
-  EXPECT_EQ(folder_.read("all.vec"), "ISR_HANDLER A_IRQHandler\nISR_RESERVED\nISR_HANDLER B_IRQHandler\n");
-  expectSuccess(run({"-ddf", "-irqs", "A;;B", "-irq-table", "two", "-irq-start", "2", "uart.ddf", "out.xml"}));
-  EXPECT_EQ(folder_.read("two.vec"), "ISR_HANDLER B_IRQHandler\n");
-  // With the default first entry of 16 the names at 0 to 2 are not printed.
-  expectSuccess(run({"-ddf", "-irqs", "A;;B", "-irq-table", "default", "uart.ddf", "out.xml"}));
-  EXPECT_EQ(folder_.read("default.vec"), "");
-  expectSuccess(run({"-ddf", "-irq-table", "big", "-irq-start", "0xFFFFFFFF", "uart.ddf", "out.xml"}));
-  EXPECT_EQ(folder_.read("big.vec"), "");
-}
-
 TEST_F(RegmillRun, UnwritableOutputsFailAndAVectorTableFailsBehindTheMemoryMap) {
   folder_.write("uart.ddf", kUartDDF);
   ProcessResult result = run({"-ddf", "uart.ddf", "no-such-folder/out.xml"});
@@ -213,14 +217,6 @@ TEST_F(RegmillRun, UnwritableOutputsFailAndAVectorTableFailsBehindTheMemoryMap) 
   EXPECT_EQ(result.exitCode, 1);
   EXPECT_EQ(result.err, "error: write of no-such-folder/v.vec failed\n");
   EXPECT_EQ(folder_.read("out.xml"), kUartMap);
-}
-
-TEST_F(RegmillRun, HeaderScanNamesTheVectors) {
-  folder_.write("uart.ddf", kUartDDF);
-  folder_.write("device.h",
-                "typedef enum {\n  SysTick_IRQn = -1,\n  WDT_IRQn = 0,\n  RTC_IRQn = 2,\n} IRQn_Type;\n");
-  expectSuccess(run({"-ddf", "-irqs2", "device.h", "-irq-table", "v", "-irq-start", "0", "uart.ddf", "out.xml"}));
-  EXPECT_EQ(folder_.read("v.vec"), "ISR_HANDLER WDT_IRQHandler\nISR_RESERVED\nISR_HANDLER RTC_IRQHandler\n");
 }
 
 TEST_F(RegmillRun, MissingHeaderFailsWithoutLineFeedUnlessIrqsWins) {
