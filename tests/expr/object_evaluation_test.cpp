@@ -122,6 +122,10 @@ TEST(ObjectEvaluation, AssignmentsStoreWhatTheRightLoads) {
   EXPECT_EQ(world.parse(QStringLiteral("b <<= 2")).asSigned(), 12);
   EXPECT_EQ(world.held("a").asSigned(), 7);
   EXPECT_EQ(world.held("b").asSigned(), 12);
+  // Text for an object goes to the object, which reads it in the shape of its value.
+  ExprValue handle = ExprValue::fromText(ExprValue::makeObject(world.variables.at("u").get()), QStringLiteral("0x1fU"));
+  EXPECT_EQ(handle.object.get(), world.variables.at("u").get());
+  EXPECT_TRUE(dereferenced(handle).equals(ExprValue::makeUnsigned(0x1F, 1)));
 }
 
 }  // namespace
