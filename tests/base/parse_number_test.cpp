@@ -22,9 +22,10 @@ TEST(ParseNumber, ThirtyTwoBitFormKeepsTheLowBits) {
   EXPECT_EQ(parseNumber("0x7FFFFFFF"), 0x7FFFFFFF);
 }
 
-TEST(ParseUnsignedC, NegativeNumbersWrapAndJunkIsZero) {
+TEST(ParseUnsignedC, NegativeNumbersWrapAndJunkOrNothingIsZero) {
   EXPECT_EQ(parseUnsignedC("-1"), 0xFFFFFFFFu);
   EXPECT_EQ(parseUnsignedC("junk"), 0u);
+  EXPECT_EQ(parseUnsignedC(nullptr), 0u);
 }
 
 }  // namespace
