@@ -59,12 +59,8 @@ const char kUartMap[] =
     "</Root>\n";
 
 const char kThreeGroupsDDF[] =
-    "sfr = \"A0\", \"Register\", 0x100, 4\n"
-    "sfr = \"B0\", \"Register\", 0x200, 4\n"
-    "sfr = \"C0\", \"Register\", 0x300, 4\n"
-    "group = \"A\", \"A0\"\n"
-    "group = \"B\", \"B0\"\n"
-    "group = \"C\", \"C0\"\n";
+    "sfr = A0, Register, 0x100, 4\nsfr = B0, Register, 0x200, 4\nsfr = C0, Register, 0x300, 4\n"
+    "group = A, A0\ngroup = B, B0\ngroup = C, C0\n";
 
 const char kGpioRDT[] =
     "<system><soc><cpu id=\"CortexA9_0\">\n"
