@@ -3,7 +3,6 @@
 #include <bit>
 #include <cmath>
 
-#include "expr/expr_object.h"
 #include "expr/expr_value.h"
 
 namespace regmill {
@@ -54,17 +53,6 @@ TEST(ExprValue, FloatsGiveTheBitsOfTheirSize) {
   EXPECT_EQ(ExprValue::makeFloat(NAN).asSigned(), 0);
 }
 
-TEST(ExprValue, OtherKindsConvert) {
-  EXPECT_EQ(ExprValue::makeBool(true).asSigned(), 1);
-  EXPECT_EQ(ExprValue::makeBool(true).asFloat(), 1.0);
-  EXPECT_EQ(ExprValue::makeBool(true).size, 0u);
-  ExprValue none;
-  EXPECT_EQ(none.kind, ExprKind::None);
-  EXPECT_EQ(none.size, 2u);
-  EXPECT_EQ(none.asSigned(), 0);
-  EXPECT_EQ(ExprValue::makeString(QStringLiteral("12")).asUnsigned(), 0u);
-}
-
 TEST(ExprValue, EqualityNeedsTheSameKindAndSize) {
   EXPECT_TRUE(ExprValue::makeSigned(5).equals(ExprValue::makeSigned(5)));
   EXPECT_FALSE(ExprValue::makeSigned(5).equals(ExprValue::makeUnsigned(5)));
@@ -75,14 +63,6 @@ TEST(ExprValue, EqualityNeedsTheSameKindAndSize) {
   EXPECT_TRUE(ExprValue().equals(ExprValue()));
 }
 
-class TextObject : public ExprObject {
- public:
-  ExprValue value() override { return ExprValue::makeString(text); }
-  bool equals(const ExprObject& other) const override { return &other == this; }
-  void setFromText(const QString& newText) override { text = newText; }
-  QString text;
-};
-
 TEST(ExprValue, FromTextKeepsTheShapeOfItsModel) {
   ExprValue bits = ExprValue::fromText(integer(ExprKind::Unsigned, 0, 2, 4), QStringLiteral("0x1fU"));
   EXPECT_EQ(bits.kind, ExprKind::Unsigned);
@@ -92,11 +72,6 @@ TEST(ExprValue, FromTextKeepsTheShapeOfItsModel) {
   EXPECT_TRUE(ExprValue::fromText(ExprValue::makeBool(false), QStringLiteral("true")).boolValue());
   EXPECT_FALSE(ExprValue::fromText(ExprValue::makeBool(true), QStringLiteral("yes")).boolValue());
   EXPECT_EQ(ExprValue::fromText(ExprValue::makeFloat(0, 4), QStringLiteral("2.5")).floatValue(), 2.5);
-  TextObject object;
-  ExprValue handle = ExprValue::fromText(ExprValue::makeObject(&object), QStringLiteral("set"));
-  EXPECT_EQ(object.text, QStringLiteral("set"));
-  EXPECT_EQ(handle.object.get(), &object);
-  EXPECT_TRUE(dereferenced(handle).equals(ExprValue::makeString(QStringLiteral("set"))));
 }
 
 }  // namespace

@@ -18,108 +18,53 @@ QString syntaxError(const QString& text) {
   return QString::fromStdString(testing::failureMessage<ParserException>([&] { parser.parseTree(text); }));
 }
 
-struct TreeCase {
-  const char* text;
-  const char* tree;
-};
-
-TEST(ExpressionGrammar, OperatorLevelsAndLeftAssociativity) {
-  const TreeCase cases[] = {
+// Operator levels and left associativity, unary, postfix and access forms, the types
+// of casts and sizeof.
+TEST(ExpressionGrammar, Trees) {
+  const std::pair<const char*, const char*> cases[] = {
       {"2 + 3 * 4", "(0x2+(0x3MultiplyExpression0x4))"},
-      {"10 - 3 - 2", "((0xaMinusExpression0x3)MinusExpression0x2)"},
-      {"a = b = c", "((a=b)=c)"},
+      {"10 - 3 - 2", "((0xaMinusExpression0x3)MinusExpression0x2)"}, {"a = b = c", "((a=b)=c)"},
       {"1 << 2 + 3 < 4", "((0x1LshiftExpression(0x2+0x3))LtExpression0x4)"},
       {"a == b != c >= d", "((aEqExpressionb)NeExpression(cGeExpressiond))"},
       {"a | b ^ c & d", "(aBitOrExpression(bBitXorExpression(cBitAndExpressiond)))"},
       {"a || b && c | d", "(aLogicalOrExpression(bLogicalAndExpression(cBitOrExpressiond)))"},
       {"a = b || c", "(a=(bLogicalOrExpressionc))"},
       {"a % b / c >> d <= e > f", "(((((aModExpressionb)DivideExpressionc)RshiftExpressiond)LeExpressione)GtExpressionf)"},
-      {"(1 + 2) * 3", "((0x1+0x2)MultiplyExpression0x3)"},
-      {"1 2", "0x1"},
-      {"", "<none>"},
-  };
-  for (const TreeCase& c : cases) EXPECT_EQ(treeOf(c.text), QString::fromUtf8(c.tree)) << c.text;
-}
-
-TEST(ExpressionGrammar, UnaryPostfixAndAccessForms) {
-  const TreeCase cases[] = {
-      {"-~!x", "NegateExpression(BitNotExpression(LogicalNotExpression(x)))"},
-      {"+x", "x"},
-      {"*p", "p[0x0]"},
-      {"&a[1]", "&a[0x1]"},
-      {"a.b->c::d", "((a.b).Identifier(c::d))"},
-      {"::a", "Identifier(a)"},
-      {"ns::a", "Identifier(ns::a)"},
-      {"@r0", "Identifier(r0)"},
-      {"\"text\"", "0x0"},
-      {"1.5", "0x3ff8000000000000"},
-      {"f(a + b, c)", "f(abc)"},
-      {"f()()", "f()()"},
-      {"x++", "(x=(x+0x1))"},
-      {"--x", "(x=(xMinusExpression0x1))"},
-      {"a[i] += 2", "(a[i]=(a[i]+0x2))"},
-      {"a.b <<= 1", "((a.b)=((a.b)LshiftExpression0x1))"},
+      {"(1 + 2) * 3", "((0x1+0x2)MultiplyExpression0x3)"}, {"1 2", "0x1"}, {"", "<none>"},
+      {"-~!x", "NegateExpression(BitNotExpression(LogicalNotExpression(x)))"}, {"+x", "x"}, {"*p", "p[0x0]"},
+      {"&a[1]", "&a[0x1]"}, {"a.b->c::d", "((a.b).Identifier(c::d))"}, {"::a", "Identifier(a)"},
+      {"ns::a", "Identifier(ns::a)"}, {"@r0", "Identifier(r0)"}, {"\"text\"", "0x0"}, {"1.5", "0x3ff8000000000000"},
+      {"f(a + b, c)", "f(abc)"}, {"f()()", "f()()"}, {"x++", "(x=(x+0x1))"}, {"--x", "(x=(xMinusExpression0x1))"},
+      {"a[i] += 2", "(a[i]=(a[i]+0x2))"}, {"a.b <<= 1", "((a.b)=((a.b)LshiftExpression0x1))"},
       {"addressof(\"f.c\", 12)", "addressof(\"f.c\", 12)"},
-  };
-  for (const TreeCase& c : cases) EXPECT_EQ(treeOf(c.text), QString::fromUtf8(c.tree)) << c.text;
-}
-
-TEST(ExpressionGrammar, TypesOfCastsAndSizeof) {
-  const TreeCase cases[] = {
-      {"(int)x", "((int)x)"},
-      {"(long int)x", "((int)x)"},
-      {"(unsigned long)x", "((unsigned long)x)"},
-      {"(long unsigned long)x", "((unsigned long long)x)"},
-      {"(const volatile)x", "((int)x)"},
-      {"(signed char)x", "((char)x)"},
-      {"(short**[2][n])x", "((short**[0x2][n])x)"},
+      {"(int)x", "((int)x)"}, {"(long int)x", "((int)x)"}, {"(unsigned long)x", "((unsigned long)x)"},
+      {"(long unsigned long)x", "((unsigned long long)x)"}, {"(const volatile)x", "((int)x)"},
+      {"(signed char)x", "((char)x)"}, {"(short**[2][n])x", "((short**[0x2][n])x)"},
       {"(struct {int a; char b:3; long;})x", "((int a;char b:3;long ;)x)"},
-      {"(register 4 EN 0 1 \"M D\" 1 2;)x", "((4 EN 0 1 \"M D\" 1 2)x)"},
-      {"(x)", "x"},
-      {"sizeof(unsigned)", "sizeof(unsigned int)"},
-      {"sizeof x + 1", "sizeof (x+0x1)"},
+      {"(register 4 EN 0 1 \"M D\" 1 2;)x", "((4 EN 0 1 \"M D\" 1 2)x)"}, {"(x)", "x"},
+      {"sizeof(unsigned)", "sizeof(unsigned int)"}, {"sizeof x + 1", "sizeof (x+0x1)"},
       {"sizeof(x)[1]", "sizeof x[0x1]"},
   };
-  for (const TreeCase& c : cases) EXPECT_EQ(treeOf(c.text), QString::fromUtf8(c.tree)) << c.text;
+  for (const auto& [text, tree] : cases) EXPECT_EQ(treeOf(text), QString::fromUtf8(tree)) << text;
 }
 
 TEST(ExpressionGrammar, SyntaxErrorMessages) {
   const std::pair<const char*, const char*> cases[] = {
-      {"(1", "')' expected"},
-      {"sizeof(int*)", "')' expected"},
-      {"(int", "')' expected"},
-      {"a[1", "expected ']'"},
-      {"(int[2)x", "']' expected"},
-      {"(int[2 x)y", "']' expected"},
-      {"*", "expression expected"},
-      {".5", "expression expected"},
-      {"1 +", "expression expected"},
-      {"f(1", "expression expected"},
-      {"1.", "identifier expected"},
-      {"::1", "identifier expected"},
-      {"a::", "identifier expected after '::'"},
-      {"addressof 1", "'(' expected"},
-      {"addressof(1", "string expected"},
-      {"addressof(\"f\" 1", "',' expected"},
-      {"addressof(\"f\", 0x1)", "int expected"},
-      {"addressof(\"f\", 1", "')' expected"},
-      {"1 ? 2 : 3", "operator not supported"},
-      {"a >>> b", "operator not supported"},
-      {"a >>>= b", "operator not supported"},
-      {"1, 2", "operator not supported"},
+      {"(1", "')' expected"}, {"sizeof(int*)", "')' expected"}, {"(int", "')' expected"}, {"a[1", "expected ']'"},
+      {"(int[2)x", "']' expected"}, {"(int[2 x)y", "']' expected"}, {"*", "expression expected"},
+      {".5", "expression expected"}, {"1 +", "expression expected"}, {"f(1", "expression expected"},
+      {"1.", "identifier expected"}, {"::1", "identifier expected"}, {"a::", "identifier expected after '::'"},
+      {"addressof 1", "'(' expected"}, {"addressof(1", "string expected"}, {"addressof(\"f\" 1", "',' expected"},
+      {"addressof(\"f\", 0x1)", "int expected"}, {"addressof(\"f\", 1", "')' expected"},
+      {"1 ? 2 : 3", "operator not supported"}, {"a >>> b", "operator not supported"},
+      {"a >>>= b", "operator not supported"}, {"1, 2", "operator not supported"},
       {"a >>> )", "expression expected"},  // the right operand is read first
-      {"(struct s)x", "struct type not found"},
-      {"(struct 1)x", "'{' expected"},
-      {"(struct {1})x", "struct parse error"},
-      {"(struct {int a:b;})x", "integer must follow ':'"},
-      {"(struct {int a})x", "';' expected"},
-      {"(register x)y", "size expected"},
-      {"(register 4 1)y", "fieldname expected"},
-      {"(register 4 a b)y", "bitoffset expected"},
-      {"(register 4 a 1 b)y", "bitsize expected"},
-      {"(a + b) += 1", "cannot duplicate expression"},
-      {"f()++", "cannot duplicate expression"},
-      {"1 + #x", "unrecognised token: #x"},
+      {"(struct s)x", "struct type not found"}, {"(struct 1)x", "'{' expected"},
+      {"(struct {1})x", "struct parse error"}, {"(struct {int a:b;})x", "integer must follow ':'"},
+      {"(struct {int a})x", "';' expected"}, {"(register x)y", "size expected"},
+      {"(register 4 1)y", "fieldname expected"}, {"(register 4 a b)y", "bitoffset expected"},
+      {"(register 4 a 1 b)y", "bitsize expected"}, {"(a + b) += 1", "cannot duplicate expression"},
+      {"f()++", "cannot duplicate expression"}, {"1 + #x", "unrecognised token: #x"},
   };
   for (const auto& [text, message] : cases) {
     EXPECT_EQ(syntaxError(QString::fromUtf8(text)), QString::fromUtf8(message)) << text;

@@ -89,15 +89,11 @@ TEST(ObjectEvaluation, OperandsAreDereferencedRightFirst) {
   EXPECT_EQ(sum.asUnsigned(), 0u);  // the left's size of one byte wraps the sum
 }
 
-TEST(ObjectEvaluation, PlusOffsetsPointersButMinusDoesNot) {
+TEST(ObjectEvaluation, AccessNodesAndPointerPlusHandTheirObjectToTheParser) {
   WorldParser world;
-  EXPECT_EQ(world.parse(QStringLiteral("p + 3")).asSigned(), 1003);
+  EXPECT_EQ(world.parse(QStringLiteral("p + 3")).asSigned(), 1003);  // but minus does not
   EXPECT_EQ(world.parse(QStringLiteral("p - 3")).asUnsigned(), 0xFFDu);
   EXPECT_EQ(world.parse(QStringLiteral("a + 3")).asSigned(), 13);
-}
-
-TEST(ObjectEvaluation, AccessNodesHandTheirObjectToTheParser) {
-  WorldParser world;
   EXPECT_EQ(world.parse(QStringLiteral("a.x")).text, QStringLiteral("x"));
   EXPECT_EQ(world.parse(QStringLiteral("a->x::y")).text, QStringLiteral("x/y"));
   EXPECT_EQ(world.parse(QStringLiteral("a[b]")).asSigned(), 300);
@@ -122,6 +118,10 @@ TEST(ObjectEvaluation, AssignmentsStoreWhatTheRightLoads) {
   EXPECT_EQ(world.parse(QStringLiteral("b <<= 2")).asSigned(), 12);
   EXPECT_EQ(world.held("a").asSigned(), 7);
   EXPECT_EQ(world.held("b").asSigned(), 12);
+  // Text for an object goes to the object, which reads it in the shape of its value.
+  ExprValue handle = ExprValue::fromText(ExprValue::makeObject(world.variables.at("u").get()), QStringLiteral("0x1fU"));
+  EXPECT_EQ(handle.object.get(), world.variables.at("u").get());
+  EXPECT_TRUE(dereferenced(handle).equals(ExprValue::makeUnsigned(0x1F, 1)));
 }
 
 }  // namespace

@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <memory>
+#include <string>
 
 #include "memorymap/compute_addresses.h"
 
@@ -28,6 +30,18 @@ class AddressTree {
   std::unique_ptr<MemoryMapElement> root_;
 };
 
+// Address and size of each element, in hexadecimal.
+std::string placed(std::initializer_list<const MemoryMapElement*> elements) {
+  std::string text;
+  char one[40];
+  for (const MemoryMapElement* e : elements) {
+    std::snprintf(one, sizeof one, "%s%llx/%llx", text.empty() ? "" : " ", static_cast<unsigned long long>(e->address),
+                  static_cast<unsigned long long>(e->size));
+    text += one;
+  }
+  return text;
+}
+
 TEST(ComputeAddresses, RelativeStartsAddTheBaseTheirKindPassesOn) {
   AddressTree tree;
   MemoryMapElement* root = tree.add(nullptr, "Root");
@@ -39,18 +53,9 @@ TEST(ComputeAddresses, RelativeStartsAddTheBaseTheirKindPassesOn) {
   MemoryMapElement* fieldPlus = tree.add(relative, "BitField", "+3");
   MemoryMapElement* value = tree.add(field, "Enum", "+1");
   computeAddresses(root, 0);
-  EXPECT_EQ(group->address, 0x40000000u);
-  EXPECT_EQ(group->size, 0x400u);
-  EXPECT_EQ(cluster->address, 0x40000100u);
-  EXPECT_EQ(cluster->size, 16u);
-  EXPECT_EQ(relative->address, 0x40000228u);
-  EXPECT_EQ(relative->size, 32u);
-  EXPECT_EQ(absolute->address, 0x20000000u);
-  EXPECT_EQ(absolute->size, 16u);
-  EXPECT_EQ(field->address, 3u);  // a field's start is relative to nothing
-  EXPECT_EQ(field->size, 2u);
-  EXPECT_EQ(fieldPlus->address, 3u);
-  EXPECT_EQ(value->address, 1u);
+  // A field's start is relative to nothing.
+  EXPECT_EQ(placed({group, cluster, relative, absolute, field, fieldPlus, value}),
+            "40000000/400 40000100/10 40000228/20 20000000/10 3/2 3/0 1/0");
 }
 
 TEST(ComputeAddresses, FailedFormulasReadAsZeroAndStopNothing) {
@@ -62,12 +67,9 @@ TEST(ComputeAddresses, FailedFormulasReadAsZeroAndStopNothing) {
   MemoryMapElement* segmentChild = tree.add(brokenRelative, "ProgramSection", "+junk(");
   broken->size = 77;
   computeAddresses(root, 0x1000);
-  EXPECT_EQ(broken->address, 0u);
-  EXPECT_EQ(broken->size, 77u);  // a size that fails leaves the size as it was
-  EXPECT_EQ(child->address, 8u);
-  EXPECT_EQ(child->size, 0x20u);
-  EXPECT_EQ(brokenRelative->address, 0x1010u);  // the root passes its base on unchanged, and
-  EXPECT_EQ(segmentChild->address, 0x1010u);    // a failed relative start is the base alone
+  // A size that fails leaves the size as it was; the root passes its base on
+  // unchanged, and a failed relative start is the base alone.
+  EXPECT_EQ(placed({broken, child, brokenRelative, segmentChild}), "0/4d 8/20 1010/100 1010/0");
 }
 
 TEST(ComputeAddresses, ElementsWithoutStartPassTheirBaseOn) {
@@ -79,19 +81,11 @@ TEST(ComputeAddresses, ElementsWithoutStartPassTheirBaseOn) {
   MemoryMapElement* reg = tree.add(other, "Register", "+4", "0x");
   MemoryMapElement* empty = tree.add(group, "Register", "", "");
   computeAddresses(root, 0);
-  EXPECT_EQ(root->address, 0u);  // a kind without addresses ignores its start
-  EXPECT_EQ(plain->address, 0u);
-  EXPECT_EQ(other->address, 0u);
-  EXPECT_EQ(reg->address, 0x4004u);
-  EXPECT_EQ(empty->address, 0u);
-}
-
-TEST(ComputeAddresses, DeepTreesNeedNoDeepStack) {
-  AddressTree tree;
-  MemoryMapElement* root = tree.add(nullptr, "Root");
+  // A kind without addresses ignores its start.
+  EXPECT_EQ(placed({root, plain, other, reg, empty}), "0/0 0/0 0/0 4004/0 0/0");
   MemoryMapElement* parent = root;
   for (int level = 0; level < 100000; ++level) parent = tree.add(parent, "RegisterGroup", "+1");
-  computeAddresses(root, 0);
+  computeAddresses(root, 0);  // deep trees need no deep stack
   EXPECT_EQ(parent->address, 100000u);
 }
 

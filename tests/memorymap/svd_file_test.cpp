@@ -2,42 +2,35 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+
 namespace regmill {
 namespace {
 
-TEST(SVDFile, NamesNeedATable) {
+// The names of entries 0 to 4, "-" for none, and the highest entry.
+std::string table(const SVDFile& file) {
+  std::string text;
+  for (int i = -1; i < 5; ++i) {
+    const char* name = file.interruptName(i);
+    text += std::string(name == nullptr ? "-" : name) + " ";
+  }
+  return text + std::to_string(file.highestInterrupt);
+}
+
+TEST(SVDFile, InterruptNamesNeedATableAndFilledEntriesStay) {
   SVDFile file;
   file.setInterruptNames({"A", "B"});
-  EXPECT_EQ(file.interruptName(0), nullptr);
-  EXPECT_EQ(file.highestInterrupt, -1);  // untouched without a table
   file.storeInterruptName(0, "A");
-  EXPECT_EQ(file.interruptName(0), nullptr);
-}
-
-TEST(SVDFile, EmptyPartsLeaveEntriesFreeAndFilledEntriesStay) {
-  SVDFile file;
+  EXPECT_EQ(table(file), "- - - - - - -1");  // untouched without a table
   file.setInterruptTableSize(4);
-  EXPECT_EQ(file.highestInterrupt, -1);
-  file.setInterruptNames({"A", "", "C"});
+  file.setInterruptNames({"A", "", "C"});  // empty parts leave entries free
   file.setInterruptNames({"X", "B", "Y", "D", "BEYOND"});
-  EXPECT_STREQ(file.interruptName(0), "A");
-  EXPECT_STREQ(file.interruptName(1), "B");
-  EXPECT_STREQ(file.interruptName(2), "C");
-  EXPECT_STREQ(file.interruptName(3), "D");
-  EXPECT_EQ(file.interruptName(4), nullptr);
-  EXPECT_EQ(file.interruptName(-1), nullptr);
-  EXPECT_EQ(file.highestInterrupt, 3);
-}
-
-TEST(SVDFile, StoredNamesReplaceAndMayBeEmpty) {
-  SVDFile file;
+  EXPECT_EQ(table(file), "- A B C D - 3");
   file.setInterruptTableSize(8);
-  file.storeInterruptName(5, "OLD");
-  file.storeInterruptName(5, "");
+  file.storeInterruptName(2, "OLD");
+  file.storeInterruptName(2, "");  // stored names replace and may be empty
   file.storeInterruptName(8, "OUTSIDE");
-  ASSERT_NE(file.interruptName(5), nullptr);
-  EXPECT_STREQ(file.interruptName(5), "");
-  EXPECT_EQ(file.highestInterrupt, 5);
+  EXPECT_EQ(table(file), "- - -  - - 2");
 }
 
 TEST(SVDFile, RemoveGroupsUnlinksDirectChildrenByExactName) {

@@ -39,20 +39,16 @@ std::string readFile(const std::filesystem::path& path) {
   return contents.str();
 }
 
-std::string capturedOutput(const std::function<void(std::FILE*)>& write) {
+std::string writtenText(XMLDocument& document, unsigned indentation, unsigned maxLineLength) {
   char* bytes = nullptr;
   size_t size = 0;
   std::FILE* stream = open_memstream(&bytes, &size);
   if (stream == nullptr) throw std::runtime_error("cannot open a memory stream");
-  write(stream);
+  EXPECT_TRUE(document.write(stream, indentation, maxLineLength));
   std::fclose(stream);
   std::string text(bytes, size);
   std::free(bytes);
   return text;
-}
-
-std::string writtenText(XMLDocument& document, unsigned indentation, unsigned maxLineLength) {
-  return capturedOutput([&](std::FILE* stream) { EXPECT_TRUE(document.write(stream, indentation, maxLineLength)); });
 }
 
 std::filesystem::path corpusFolder(const std::string& name) {

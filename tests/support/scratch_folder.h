@@ -1,9 +1,8 @@
-// Files for a test: a fresh temporary folder removed with everything in it, text
-// written by a function through a C stream, and the shared real-world corpus.
+// Files for a test: a fresh temporary folder removed with everything in it, the text
+// a document writes, and the shared real-world corpus.
 #pragma once
 #include <cstdio>
 #include <filesystem>
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -32,8 +31,6 @@ class ScratchFolder {
 
 std::string readFile(const std::filesystem::path& path);
 
-// What `write` puts into the stream it is given.
-std::string capturedOutput(const std::function<void(std::FILE*)>& write);
 // The document as the writer prints it; indentation 2 and no line limit by default.
 std::string writtenText(XMLDocument& document, unsigned indentation = 2, unsigned maxLineLength = 0);
 

@@ -95,17 +95,18 @@ std::string registerLine(const MemoryMapElement* registerElement) {
   return separator == ": " ? line + ":" : line;
 }
 
-std::string names(const MemoryMapElement* parent) {
+template <class Describe>
+std::string joined(const MemoryMapElement* parent, const char* separator, Describe describe) {
   std::string text;
-  for (MemoryMapElement* element : children(parent)) text += (text.empty() ? "" : " ") + value(element, "name");
+  for (MemoryMapElement* element : children(parent)) text += (text.empty() ? "" : separator) + describe(element);
   return text;
 }
 
-std::string listing(const MemoryMapElement* group) {
-  std::string text;
-  for (MemoryMapElement* element : children(group)) text += (text.empty() ? "" : "; ") + registerLine(element);
-  return text;
+std::string names(const MemoryMapElement* parent) {
+  return joined(parent, " ", [](const MemoryMapElement* e) { return value(e, "name"); });
 }
+
+std::string listing(const MemoryMapElement* group) { return joined(group, "; ", registerLine); }
 
 CoreDocument::CoreDocument(std::initializer_list<std::pair<int, const char*>> interrupts) {
   file.setRoot(file.newElement("Processor"));

@@ -78,7 +78,7 @@ TEST(XmlParser, ValuesTakeEitherQuoteAndDecodeEntitiesAndReferences) {
   });
 }
 
-TEST(XmlParser, EndTagsCloseByPrefixTheLastRootWinsAndThePrologGoesToTheDocument) {
+TEST(XmlParser, EndTagsCloseByPrefixTheLastRootWinsThePrologGoesToTheDocumentAndCutTextIsNoError) {
   expectParses({
       {"<abc><ab></></a\n>", kNoText, "(abc (ab))"},
       // Without ">" behind the name the end tag is text, and nothing is closed.
@@ -91,12 +91,8 @@ TEST(XmlParser, EndTagsCloseByPrefixTheLastRootWinsAndThePrologGoesToTheDocument
       {"<a><!DOCTYPE x [y]><?pi x?></a>", kText, "(a \"\" \" [y]>\" \"x?>\")"},  // not understood: text
       // A declaration's value without quotes ends the parse with no root and no error.
       {"<a/><?xml version=1.0?><b/>", kNoText, "null"},
-  });
-}
-
-TEST(XmlParser, TextThatEndsInsideMarkupIsNoError) {
-  // Elements still open at the end are lost (LeakSanitizer sees to it that they are freed).
-  expectParses({
+      // A text that ends inside markup is no error; elements still open at the end are
+      // lost (LeakSanitizer sees to it that they are freed).
       {"<a x=\"1\"/><b><c x='1'>text<!--c", kText, "(a @x=\"1\")"},
       {"<a x=\"1", kNoText, "null"},      {"<a/><![CDATA[x]", kNoText, "(a)"},
       {"<a/></", kNoText, "(a)"},         {"<a/><?", kNoText, "(a)"},         {"<a/><!", kNoText, "(a)"},
