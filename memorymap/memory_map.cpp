@@ -1,12 +1,11 @@
 #include "memorymap/memory_map.h"
 
-#include <algorithm>
 #include <cstring>
 #include <strings.h>
 #include <string_view>
-#include <vector>
 
 #include "base/log.h"
+#include "xml/depth_first.h"
 #include "xml/xml_string.h"
 
 namespace regmill {
@@ -54,19 +53,11 @@ bool attributeMatches(const MemoryMapElement* element, const char* name, const c
 
 MemoryMapElement* findElement(MemoryMapElement* start, ElementKind kind, const char* name, const char* value,
                               bool caseSensitive) {
-  if (start == nullptr) return nullptr;
-  // Depth first in document order; children are reached only through memory-map elements.
-  std::vector<MemoryMapElement*> pending{start};
-  while (!pending.empty()) {
-    MemoryMapElement* element = pending.back();
-    pending.pop_back();
-    if (element->kind() == kind && attributeMatches(element, name, value, caseSensitive)) return element;
-    size_t firstOfChildren = pending.size();
-    for (XMLNode* child = element->firstChild(); child != nullptr; child = child->nextSibling())
-      if (auto* childElement = dynamic_cast<MemoryMapElement*>(child)) pending.push_back(childElement);
-    std::reverse(pending.begin() + static_cast<std::ptrdiff_t>(firstOfChildren), pending.end());
-  }
-  return nullptr;
+  // Every element of a memory map is a MemoryMapElement; other nodes never match.
+  return static_cast<MemoryMapElement*>(findDepthFirst(start, [&](XMLNode* node) {
+    auto* element = dynamic_cast<MemoryMapElement*>(node);
+    return element != nullptr && element->kind() == kind && attributeMatches(element, name, value, caseSensitive);
+  }));
 }
 
 }  // namespace regmill

@@ -204,15 +204,10 @@ bool isElementWithTag(const XMLNode* node, const char* tag) {
 
 }  // namespace
 
-XMLElement* findChild(XMLNode* first, const char* tag) {
-  for (XMLNode* node = first; node != nullptr; node = node->nextSibling())
-    if (isElementWithTag(node, tag)) return static_cast<XMLElement*>(node);
+const XMLElement* findChild(const XMLNode* first, const char* tag) {
+  for (const XMLNode* node = first; node != nullptr; node = node->nextSibling())
+    if (isElementWithTag(node, tag)) return static_cast<const XMLElement*>(node);
   return nullptr;
-}
-
-XMLElement* findChildInEither(XMLNode* firstOfOne, XMLNode* firstOfTwo, const char* tag) {
-  if (XMLElement* found = findChild(firstOfOne, tag)) return found;
-  return findChild(firstOfTwo, tag);
 }
 
 std::vector<XMLElement*> collectElements(XMLNode* first, const char* tag, bool recursive) {

@@ -117,8 +117,8 @@ class XMLCDATASection : public XMLNode {
 
 // Helpers over a chain of siblings given by its first node; nodes that are not
 // elements are passed over.
-XMLElement* findChild(XMLNode* first, const char* tag);
-XMLElement* findChildInEither(XMLNode* firstOfOne, XMLNode* firstOfTwo, const char* tag);
+// The first element with the tag (exact, case-sensitive) from `first` on, itself included.
+const XMLElement* findChild(const XMLNode* first, const char* tag);
 std::vector<XMLElement*> collectElements(XMLNode* first, const char* tag, bool recursive);
 // The text of all XMLData children of the element, joined in order, appended to
 // `out`; nothing if there is none.
