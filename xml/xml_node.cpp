@@ -100,12 +100,7 @@ void XMLElement::setAttribute(char* name, char* value) {
     return;
   }
   auto* attribute = new XMLAttribute{name, value, lastAttribute_, nullptr};
-  if (lastAttribute_ == nullptr)
-    firstAttribute_ = attribute;
-  else
-    lastAttribute_->next = attribute;
-  lastAttribute_ = attribute;
-  ++attributeCount_;
+  linkAtEnd(attribute);
   if (index_ != nullptr) {
     index_->emplace(attribute->name, attribute);
   } else if (attributeCount_ > kIndexedAttributeCount) {
@@ -116,13 +111,17 @@ void XMLElement::setAttribute(char* name, char* value) {
 
 XMLAttribute* XMLElement::appendArenaAttribute(XMLArena& arena, char* name, char* value) {
   auto* attribute = arena.make<XMLAttribute>(XMLAttribute{name, value, lastAttribute_, nullptr});
+  linkAtEnd(attribute);
+  return attribute;
+}
+
+void XMLElement::linkAtEnd(XMLAttribute* attribute) {
   if (lastAttribute_ == nullptr)
     firstAttribute_ = attribute;
   else
     lastAttribute_->next = attribute;
   lastAttribute_ = attribute;
   ++attributeCount_;
-  return attribute;
 }
 
 void XMLElement::setAttributeCopy(const char* name, const char* value) {

@@ -86,6 +86,9 @@ class XMLElement : public XMLNode {
   XMLAttribute* appendArenaAttribute(XMLArena& arena, char* name, char* value);
 
  private:
+  // Appends a pair whose previous link already names the last pair.
+  void linkAtEnd(XMLAttribute* attribute);
+
   XMLAttribute* firstAttribute_ = nullptr;
   XMLAttribute* lastAttribute_ = nullptr;
   unsigned attributeCount_ = 0;
