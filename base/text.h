@@ -13,6 +13,9 @@ constexpr bool isSpaceByte(unsigned char c) { return c == ' ' || (c >= '\t' && c
 constexpr bool isDigitByte(unsigned char c) { return c >= '0' && c <= '9'; }
 constexpr bool isAlphaByte(unsigned char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
 constexpr bool isAlnumByte(unsigned char c) { return isAlphaByte(c) || isDigitByte(c); }
+constexpr bool isHexDigitByte(unsigned char c) {
+  return isDigitByte(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
+}
 
 // 0-9, then a-z and A-Z alike from 10 to 35; -1 for any other byte.
 constexpr int digitValue(unsigned char c) {

@@ -12,6 +12,7 @@ class ExprObject {
   // What the object holds now; arithmetic works on this, never on the object.
   virtual ExprValue value() = 0;
   virtual bool equals(const ExprObject& other) const = 0;
+  virtual void setFromText(const QString& text) = 0;
 };
 
 }  // namespace regmill

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <limits>
 
+#include "base/parse_number.h"
 #include "expr/expr_object.h"
 
 namespace regmill {
@@ -153,6 +154,38 @@ bool ExprValue::equals(const ExprValue& other) const {
     case ExprKind::None: return true;
   }
   return false;
+}
+
+ExprValue ExprValue::fromText(const ExprValue& model, const QString& text) {
+  ExprValue result;
+  result.kind = model.kind;
+  result.size = model.size;
+  result.bitWidth = model.bitWidth;
+  switch (model.kind) {
+    case ExprKind::Bool:
+      // Only the two words set it; any other text leaves it false.
+      if (text == QLatin1String("true")) result.payload = 1;
+      break;
+    case ExprKind::Signed:
+    case ExprKind::Unsigned: {
+      QByteArray bytes = text.toUtf8();
+      result.payload = static_cast<uint64_t>(parseNumber64(std::string_view(bytes.constData(), bytes.size())));
+      break;
+    }
+    case ExprKind::String:
+      result.text = text;
+      break;
+    case ExprKind::Object:
+      result.object = model.object;
+      if (result.object) result.object->setFromText(text);
+      break;
+    case ExprKind::Float:
+      result.setFloatValue(text.toDouble());
+      break;
+    case ExprKind::None:
+      break;
+  }
+  return result;
 }
 
 ExprValue dereferenced(const ExprValue& value) {

@@ -51,6 +51,9 @@ struct ExprValue {
 
   // Same kind and same value; floats compare numerically, so NaN differs from itself.
   bool equals(const ExprValue& other) const;
+
+  // A value shaped like model (kind, size, bit width) read from text.
+  static ExprValue fromText(const ExprValue& model, const QString& text);
 };
 
 // An Object operand replaced by what its object holds; any other value as it is.

@@ -19,4 +19,10 @@ Status QXMLDocument::save(const QString& path, unsigned indentation, unsigned ma
   return written;
 }
 
+QString elementText(const XMLElement* element) {
+  std::string bytes;
+  appendElementText(element, bytes);
+  return QString::fromLatin1(bytes.data(), static_cast<qsizetype>(bytes.size()));
+}
+
 }  // namespace regmill

@@ -1,4 +1,5 @@
-// The Qt side of the XML library: documents that take QString paths. The
+// The Qt side of the XML library: documents that take QString paths, and an
+// element's text as a QString. The
 // tree and the plain documents don't need Qt; only code at the QString edges
 // includes this header.
 #pragma once
@@ -17,5 +18,9 @@ class QXMLDocument : public XMLDocument {
   // leaves an existing file as it was; the error text is then "couldn't write %s".
   Status save(const QString& path, unsigned indentation, unsigned maxLineLength);
 };
+
+// The text of all XMLData children of the element, joined in order; the QString
+// holds the bytes one to one (Latin-1), so that it converts back to the same bytes.
+QString elementText(const XMLElement* element);
 
 }  // namespace regmill

@@ -18,7 +18,7 @@ namespace regmill {
 // How a document keeps its nodes: each on the heap, owned by its parent, for a tree
 // that is built or edited; or all in one arena, for a tree that is parsed, read and
 // thrown away. An arena tree is not edited: its strings are no heap strings, so no
-// node may be unlinked and deleted, and setAttribute doesn't apply.
+// node may be unlinked and deleted, and setAttribute and setName don't apply.
 enum class XMLStorage : uint8_t { Heap, Arena };
 
 class XMLDocument {

@@ -50,6 +50,15 @@ void XMLNode::addChild(XMLNode* node) {
   lastChild_ = node;
 }
 
+XMLNode* XMLNode::prependChild(XMLNode* node) {
+  XMLNode* former = firstChild_;
+  node->parent_ = this;
+  node->nextSibling_ = former;
+  firstChild_ = node;
+  if (lastChild_ == nullptr) lastChild_ = node;
+  return former;
+}
+
 void XMLNode::removeChild(XMLNode* node) {
   XMLNode* previous = nullptr;
   for (XMLNode* child = firstChild_; child != nullptr; previous = child, child = child->nextSibling_) {
@@ -62,6 +71,44 @@ void XMLNode::removeChild(XMLNode* node) {
     if (lastChild_ == child) lastChild_ = previous;
     return;
   }
+}
+
+void XMLNode::replaceChild(XMLNode* oldNode, XMLNode* newNode) {
+  // A node that is no child of this one is left alone, and so is the tree.
+  XMLNode* previous = nullptr;
+  for (XMLNode* child = firstChild_; child != nullptr; previous = child, child = child->nextSibling_) {
+    if (child != oldNode) continue;
+    newNode->nextSibling_ = oldNode->nextSibling_;
+    newNode->parent_ = oldNode->parent_;
+    if (previous == nullptr)
+      firstChild_ = newNode;
+    else
+      previous->nextSibling_ = newNode;
+    if (lastChild_ == oldNode) lastChild_ = newNode;
+    return;
+  }
+}
+
+void XMLNode::insertChildrenAfter(XMLNode* child, XMLNode* chain) {
+  if (chain == nullptr) return;
+  XMLNode* chainEnd = chain;
+  for (XMLNode* node = chain; node != nullptr; node = node->nextSibling_) {
+    node->parent_ = this;
+    chainEnd = node;
+  }
+  if (firstChild_ == nullptr) {
+    firstChild_ = chain;
+    lastChild_ = chainEnd;
+    return;
+  }
+  // A child that does not belong to this node leaves the chain unlinked; we refuse
+  // the splice rather than corrupt another node's list.
+  bool isChild = false;
+  for (XMLNode* node = firstChild_; node != nullptr && !isChild; node = node->nextSibling_) isChild = node == child;
+  if (!isChild) return;
+  chainEnd->nextSibling_ = child->nextSibling_;
+  child->nextSibling_ = chain;
+  if (lastChild_ == child) lastChild_ = chainEnd;
 }
 
 XMLElement::~XMLElement() {

@@ -25,10 +25,15 @@ class XMLNode {
   XMLNode& operator=(const XMLNode&) = delete;
 
   virtual void addChild(XMLNode* node);
+  virtual XMLNode* prependChild(XMLNode* node);
   virtual void removeChild(XMLNode* node);
+  virtual void replaceChild(XMLNode* oldNode, XMLNode* newNode);
+  virtual void insertChildrenAfter(XMLNode* child, XMLNode* chain);
 
-  // The tag of an element, the character data of the other kinds.
+  // The tag of an element, the character data of the other kinds. setName takes the
+  // new text over and leaves the old one to the caller.
   const char* getName() const { return text_; }
+  void setName(char* text) { text_ = text; }
 
   XMLNodeType nodeType() const { return type_; }
   bool isElement() const { return type_ == XMLNodeType::Element; }

@@ -3,6 +3,7 @@
 #include <bit>
 #include <cmath>
 
+#include "expr/expr_object.h"
 #include "expr/expr_value.h"
 
 namespace regmill {
@@ -72,6 +73,30 @@ TEST(ExprValue, EqualityNeedsTheSameKindAndSize) {
   EXPECT_FALSE(ExprValue::makeFloat(NAN).equals(ExprValue::makeFloat(NAN)));
   EXPECT_TRUE(ExprValue::makeString(QStringLiteral("a")).equals(ExprValue::makeString(QStringLiteral("a"))));
   EXPECT_TRUE(ExprValue().equals(ExprValue()));
+}
+
+class TextObject : public ExprObject {
+ public:
+  ExprValue value() override { return ExprValue::makeString(text); }
+  bool equals(const ExprObject& other) const override { return &other == this; }
+  void setFromText(const QString& newText) override { text = newText; }
+  QString text;
+};
+
+TEST(ExprValue, FromTextKeepsTheShapeOfItsModel) {
+  ExprValue bits = ExprValue::fromText(integer(ExprKind::Unsigned, 0, 2, 4), QStringLiteral("0x1fU"));
+  EXPECT_EQ(bits.kind, ExprKind::Unsigned);
+  EXPECT_EQ(bits.payload, 0x1Fu);
+  EXPECT_EQ(bits.size, 2u);
+  EXPECT_EQ(bits.bitWidth, 4u);
+  EXPECT_TRUE(ExprValue::fromText(ExprValue::makeBool(false), QStringLiteral("true")).boolValue());
+  EXPECT_FALSE(ExprValue::fromText(ExprValue::makeBool(true), QStringLiteral("yes")).boolValue());
+  EXPECT_EQ(ExprValue::fromText(ExprValue::makeFloat(0, 4), QStringLiteral("2.5")).floatValue(), 2.5);
+  TextObject object;
+  ExprValue handle = ExprValue::fromText(ExprValue::makeObject(&object), QStringLiteral("set"));
+  EXPECT_EQ(object.text, QStringLiteral("set"));
+  EXPECT_EQ(handle.object.get(), &object);
+  EXPECT_TRUE(dereferenced(handle).equals(ExprValue::makeString(QStringLiteral("set"))));
 }
 
 }  // namespace

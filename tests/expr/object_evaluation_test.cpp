@@ -16,6 +16,7 @@ class Variable : public ExprObject {
   explicit Variable(ExprValue held) : held(std::move(held)) {}
   ExprValue value() override { return held; }
   bool equals(const ExprObject& other) const override { return &other == this; }
+  void setFromText(const QString& text) override { held = ExprValue::fromText(held, text); }
   ExprValue held;
 };
 

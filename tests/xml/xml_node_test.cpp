@@ -8,6 +8,7 @@
 
 #include "tests/support/scratch_folder.h"
 #include "tests/support/tree_dump.h"
+#include "xml/qt_xml_document.h"
 
 namespace regmill {
 namespace {
@@ -28,27 +29,48 @@ std::string childNames(const XMLNode& parent) {
   return names;
 }
 
-// The parent's children before, the child removed (-1: a node that is no child), and
-// the children after the removal and one more addChild of "n", which shows the chain's end.
-struct RemoveCase { const char* before; int at; const char* after; };
+// An unlinked chain of siblings: unlinking leaves each node's next sibling as it was.
+XMLNode* chainOf(const char* tags) {
+  XMLElement holder(owned("h"));
+  for (const char* tag = tags; *tag != 0; ++tag) holder.addChild(element(*tag));
+  XMLNode* first = holder.firstChild();
+  while (holder.firstChild() != nullptr) holder.removeChild(holder.firstChild());
+  return first;
+}
 
-TEST(XmlNode, RemovingAChildKeepsTheChainItsParentsAndItsEnd) {
-  const RemoveCase cases[] = {{"abc", 0, "bcn"}, {"abc", 1, "acn"}, {"abc", 2, "abn"}, {"ab", -1, "abn"}};
-  for (const RemoveCase& c : cases) {
-    SCOPED_TRACE(::testing::Message() << c.before << " " << c.at);
+// The parent's children before, the edit: prepend "x", remove, replace by "x" or insert
+// the chain "xyz" behind the child at `at` (-1: a node that is no child), and the
+// children after the edit and one more addChild of "n", which shows the chain's end.
+struct EditCase { const char* before; char edit; int at; const char* after; };
+
+TEST(XmlNode, ChildEditsKeepTheChainItsParentsAndItsEnd) {
+  const EditCase cases[] = {
+      {"", 'p', 0, "xn"},         {"ab", 'p', 0, "xabn"},     {"abc", 'r', 0, "bcn"},
+      {"abc", 'r', 1, "acn"},     {"abc", 'r', 2, "abn"},     {"ab", 'r', -1, "abn"},
+      {"abc", 'x', 0, "xbcn"},    {"abc", 'x', 2, "abxn"},    {"abc", 'i', 1, "abxyzcn"},
+      {"ab", 'i', 1, "abxyzn"},   {"", 'i', -1, "xyzn"},  // on no children the chain becomes them
+  };
+  for (const EditCase& c : cases) {
+    SCOPED_TRACE(::testing::Message() << c.before << " " << c.edit << c.at);
     XMLElement parent(owned("p"));
     XMLNode* children[4] = {};
     for (int i = 0; c.before[i] != 0; ++i) parent.addChild(children[i] = element(c.before[i]));
     XMLNode* named = c.at < 0 ? element('s') : children[c.at];
-    parent.removeChild(named);
-    // The removed node's own links stay as they were.
-    EXPECT_EQ(named->parent(), c.at < 0 ? nullptr : &parent);
-    EXPECT_EQ(named->nextSibling(), c.at < 0 ? nullptr : children[c.at + 1]);
+    switch (c.edit) {
+      case 'p': EXPECT_EQ(parent.prependChild(element('x')), children[0]); break;
+      case 'r': parent.removeChild(named); break;
+      case 'x': parent.replaceChild(named, element('x')); break;
+      case 'i': parent.insertChildrenAfter(named, chainOf("xyz")); break;
+    }
+    if (c.edit == 'r') {  // the removed node's own links stay as they were
+      EXPECT_EQ(named->parent(), c.at < 0 ? nullptr : &parent);
+      EXPECT_EQ(named->nextSibling(), c.at < 0 ? nullptr : children[c.at + 1]);
+    }
     parent.addChild(element('n'));
     EXPECT_EQ(childNames(parent), c.after);
-    // Nobody else owns a node that was removed or never a child; deleting it must
-    // leave the parent's chain alone.
-    delete named;
+    // Nobody else owns a node that was removed, replaced or never a child; deleting it
+    // must leave the parent's chain alone.
+    if (c.at < 0 || c.edit == 'r' || c.edit == 'x') delete named;
   }
 }
 
@@ -98,11 +120,8 @@ TEST(XmlNode, ChainHelpersPassOverNodesThatAreNotElements) {
   const XMLElement* first = findChild(children, "f");
   EXPECT_STREQ(first->getAttribute("id"), "1");
   EXPECT_STREQ(findChild(first->firstChild(), "b")->getName(), "b");
-  std::string text;
-  appendElementText(first, text);
-  EXPECT_EQ(text, "onetwo");
-  appendElementText(static_cast<XMLElement*>(document.root()), text);
-  EXPECT_EQ(text, "onetwot\xC3\xA9");  // appended, byte for byte
+  EXPECT_EQ(elementText(first), "onetwo");
+  EXPECT_EQ(elementText(static_cast<XMLElement*>(document.root())).toLatin1(), "t\xC3\xA9");  // byte for byte
 }
 
 }  // namespace
