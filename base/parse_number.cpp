@@ -4,6 +4,7 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <limits>
 
 namespace regmill {
 
@@ -42,9 +43,9 @@ int32_t parseNumber(std::string_view text) {
   return static_cast<int32_t>(static_cast<uint32_t>(parseNumber64(text)));
 }
 
-uint32_t parseUnsignedC(const char* text) {
+uint32_t parseUnsignedC(const char* text, char** end, int base) {
   if (text == nullptr) return 0;
-  return static_cast<uint32_t>(std::strtoul(text, nullptr, 0));
+  return static_cast<uint32_t>(std::strtoul(text, end, base));
 }
 
 std::optional<int64_t> parseDecimalExactly(std::string_view text) {
@@ -64,6 +65,49 @@ std::optional<int64_t> parseDecimalExactly(std::string_view text) {
   if (value > static_cast<uint64_t>(INT64_MAX)) return std::nullopt;
   int64_t result = static_cast<int64_t>(value);
   return negative ? -result : result;
+}
+
+namespace {
+
+bool fitsInt32(int64_t value) {
+  return value >= std::numeric_limits<int32_t>::min() && value <= std::numeric_limits<int32_t>::max();
+}
+
+}  // namespace
+
+std::optional<int32_t> decimalNumber(std::string_view text) {
+  std::optional<int64_t> value = parseDecimalExactly(text);
+  if (!value || !fitsInt32(*value)) return std::nullopt;
+  return static_cast<int32_t>(*value);
+}
+
+std::optional<int32_t> prefixedNumber(std::string_view text) {
+  text = trimmed(text);
+  bool negative = false;
+  if (!text.empty() && (text.front() == '+' || text.front() == '-')) {
+    negative = text.front() == '-';
+    text.remove_prefix(1);
+  }
+  unsigned base = 10;
+  if (text.size() >= 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X')) {
+    base = 16;
+    text.remove_prefix(2);
+  } else if (text.size() >= 2 && text[0] == '0') {
+    base = 8;
+    text.remove_prefix(1);
+  }
+  if (text.empty()) return std::nullopt;
+  uint64_t magnitude = 0;
+  for (char c : text) {
+    int digit = digitValue(static_cast<unsigned char>(c));
+    if (digit < 0 || digit >= static_cast<int>(base)) return std::nullopt;
+    magnitude = magnitude * base + static_cast<uint64_t>(digit);
+    // Past 2^31 the value can only fail the range check; stopping here keeps it from wrapping.
+    if (magnitude > (uint64_t{1} << 32)) return std::nullopt;
+  }
+  int64_t value = negative ? -static_cast<int64_t>(magnitude) : static_cast<int64_t>(magnitude);
+  if (!fitsInt32(value)) return std::nullopt;
+  return static_cast<int32_t>(value);
 }
 
 }  // namespace regmill

@@ -26,10 +26,6 @@ std::string paddedHexAddress(uint32_t address);
 // The name, with "_NS" behind it for the non-secure alias.
 std::string nonSecureName(const char* name, bool nonSecure);
 
-// Cores 23 and 33 have the Armv8-M security extension: each of their groups has a
-// non-secure alias.
-inline bool hasSecurityExtension(int32_t core) { return core == 23 || core == 33; }
-
 // The one access right that the core groups write; all other registers read and write.
 constexpr const char* kReadOnly = "ReadOnly";
 

@@ -6,9 +6,6 @@ namespace regmill {
 
 namespace {
 
-// Of the cores with an FPU, only core 33 has the security and stack limit fields.
-bool core33(const CoreVariant& v) { return v.core == 33; }
-
 constexpr FieldRow kContextControlFields[] = {
     {"ASPEN", 31, 1, "Automatic state preservation enable"},
     {"LSPEN", 30, 1, "Lazy state preservation enable"},

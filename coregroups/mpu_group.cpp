@@ -2,6 +2,7 @@
 
 #include "coregroups/element_builders.h"
 #include "coregroups/register_table.h"
+#include "memorymap/cores.h"
 
 namespace regmill {
 

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "coregroups/element_builders.h"
+#include "memorymap/cores.h"
 
 namespace regmill {
 

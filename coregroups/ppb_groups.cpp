@@ -7,6 +7,7 @@
 #include "coregroups/scb_group.h"
 #include "coregroups/systick_group.h"
 #include "memorymap/compute_addresses.h"
+#include "memorymap/cores.h"
 
 namespace regmill {
 
@@ -25,7 +26,7 @@ bool addPPBGroups(SVDFile& file) {
   if (root == nullptr) return false;
   const int32_t core = file.coreNumber;
   const uint32_t prioBits = file.nvicPrioBits;
-  const bool withAlias = core == 23 || core == 33;
+  const bool withAlias = hasSecurityExtension(core);
 
   if (!describedAlready(root, "NVIC")) {
     addNVICGroup(file, core, prioBits, 0, true, false);

@@ -20,6 +20,9 @@ struct CoreVariant {
 // A condition on the variant; a null one holds for every variant.
 using CoreCondition = bool (*)(const CoreVariant&);
 
+// Of the cores with an FPU, only core 33 has the security and stack limit fields.
+inline bool core33(const CoreVariant& v) { return v.core == 33; }
+
 // A field that is as wide as the implemented priority bits: it occupies the top bits
 // of the byte below `bit`, so its start is bit - prioBits.
 constexpr uint8_t kPriorityWidth = 0;

@@ -2,6 +2,7 @@
 
 #include "coregroups/element_builders.h"
 #include "coregroups/register_table.h"
+#include "memorymap/cores.h"
 
 namespace regmill {
 
@@ -10,7 +11,6 @@ namespace {
 // Which cores have a register or field.
 bool notCore0(const CoreVariant& v) { return v.core != 0; }
 bool core7(const CoreVariant& v) { return v.core == 7; }
-bool core33(const CoreVariant& v) { return v.core == 33; }
 bool core4(const CoreVariant& v) { return v.core == 4; }
 bool core4or33(const CoreVariant& v) { return v.core == 4 || v.core == 33; }
 bool core7or33(const CoreVariant& v) { return v.core == 7 || v.core == 33; }

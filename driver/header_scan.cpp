@@ -1,10 +1,12 @@
 #include "driver/header_scan.h"
 
-#include <cstdlib>
 #include <cstring>
 #include <map>
 
+#include "base/parse_number.h"
+#include "base/text.h"
 #include "base/text_file.h"
+#include "memorymap/cores.h"
 #include "memorymap/svd_file.h"
 
 namespace regmill {
@@ -31,7 +33,7 @@ std::vector<EnumeratedName> scanEnumerators(TextFileReader& reader) {
     if (match == nullptr) continue;
     const char* equals = std::strchr(match + 5, '=');
     if (equals == nullptr) continue;
-    uint32_t number = static_cast<uint32_t>(std::strtoul(equals + 1, nullptr, 0));
+    uint32_t number = parseUnsignedC(equals + 1);
     pairs.push_back({std::string(start, static_cast<size_t>(match - start)), number});
   }
   return pairs;
@@ -43,7 +45,7 @@ uint32_t digitBehind(const char* match, size_t nameLength) {
   const char* cursor = match + nameLength;
   if (*cursor == '\0') return 0;
   for (++cursor; *cursor != '\0'; ++cursor)
-    if (*cursor >= '0' && *cursor <= '9') return static_cast<uint32_t>(*cursor - '0');
+    if (isDigitByte(static_cast<unsigned char>(*cursor))) return static_cast<uint32_t>(*cursor - '0');
   return 0;
 }
 
@@ -51,21 +53,17 @@ void scanMacro(const char* line, const char* name, uint32_t& value) {
   if (const char* match = std::strstr(line, name)) value = digitBehind(match, std::strlen(name));
 }
 
+// The revision macro of a core 0 tells only whether it has the vector table offset
+// register; that of another core tells only its number.
 void scanCoreRevision(const char* line, HeaderScanResult& result) {
-  if (std::strstr(line, "__CM0_REV") != nullptr)
-    result.hasVTOR = false;
-  else if (std::strstr(line, "__CM0PLUS_REV") != nullptr)
-    result.hasVTOR = true;
-  else if (std::strstr(line, "__CM3_REV") != nullptr)
-    result.coreNumber = 3;
-  else if (std::strstr(line, "__CM4_REV") != nullptr)
-    result.coreNumber = 4;
-  else if (std::strstr(line, "__CM7_REV") != nullptr)
-    result.coreNumber = 7;
-  else if (std::strstr(line, "__CM23_REV") != nullptr)
-    result.coreNumber = 23;
-  else if (std::strstr(line, "__CM33_REV") != nullptr)
-    result.coreNumber = 33;
+  for (const CoreName& known : kCoreNames) {
+    if (known.revisionMacro == nullptr || std::strstr(line, known.revisionMacro) == nullptr) continue;
+    if (known.vtor >= 0)
+      result.hasVTOR = known.vtor == 1;
+    else
+      result.coreNumber = known.core;
+    return;
+  }
 }
 
 void scanCoreMacros(TextFileReader& reader, HeaderScanResult& result) {

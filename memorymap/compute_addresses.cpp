@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "base/parse_number.h"
+#include "base/text.h"
 #include "expr/simple_expression_parser.h"
 
 namespace regmill {
@@ -36,11 +37,7 @@ class TextEvaluator {
     uint32_t value = 0;
     bool ok = false;
   };
-  struct TextHash {
-    using is_transparent = void;
-    size_t operator()(std::string_view text) const { return std::hash<std::string_view>{}(text); }
-  };
-  std::unordered_map<std::string, Result, TextHash, std::equal_to<>> results_;
+  std::unordered_map<std::string, Result, TransparentStringHash, std::equal_to<>> results_;
 };
 
 

@@ -1,12 +1,10 @@
 #include "memorymap/memory_map.h"
 
-#include <algorithm>
 #include <cstring>
 #include <strings.h>
 #include <string_view>
-#include <vector>
 
-#include "base/log.h"
+#include "xml/depth_first.h"
 #include "xml/xml_string.h"
 
 namespace regmill {
@@ -31,11 +29,7 @@ ElementKind elementKindOfTag(const char* tag) {
 
 XMLElement* MemoryMap::createElement(char* tag) { return new MemoryMapElement(tag); }
 
-void MemoryMap::reportError(const QString& message) {
-  if (logMask() & kLogWarnings) logMessage("warning", kLogLineFeed, "%s", message.toUtf8().constData());
-}
-
-MemoryMapElement* MemoryMap::root() const { return dynamic_cast<MemoryMapElement*>(XMLPP2::root()); }
+MemoryMapElement* MemoryMap::root() const { return dynamic_cast<MemoryMapElement*>(QXMLDocument::root()); }
 
 MemoryMapElement* MemoryMap::newElement(const char* tag) {
   return static_cast<MemoryMapElement*>(createElement(copyXmlString(tag, std::strlen(tag))));
@@ -54,19 +48,11 @@ bool attributeMatches(const MemoryMapElement* element, const char* name, const c
 
 MemoryMapElement* findElement(MemoryMapElement* start, ElementKind kind, const char* name, const char* value,
                               bool caseSensitive) {
-  if (start == nullptr) return nullptr;
-  // Depth first in document order; children are reached only through memory-map elements.
-  std::vector<MemoryMapElement*> pending{start};
-  while (!pending.empty()) {
-    MemoryMapElement* element = pending.back();
-    pending.pop_back();
-    if (element->kind() == kind && attributeMatches(element, name, value, caseSensitive)) return element;
-    size_t firstOfChildren = pending.size();
-    for (XMLNode* child = element->firstChild(); child != nullptr; child = child->nextSibling())
-      if (auto* childElement = dynamic_cast<MemoryMapElement*>(child)) pending.push_back(childElement);
-    std::reverse(pending.begin() + static_cast<std::ptrdiff_t>(firstOfChildren), pending.end());
-  }
-  return nullptr;
+  // Every element of a memory map is a MemoryMapElement; other nodes never match.
+  return static_cast<MemoryMapElement*>(findDepthFirst(start, [&](XMLNode* node) {
+    auto* element = dynamic_cast<MemoryMapElement*>(node);
+    return element != nullptr && element->kind() == kind && attributeMatches(element, name, value, caseSensitive);
+  }));
 }
 
 }  // namespace regmill

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <bit>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <optional>
@@ -47,11 +46,6 @@ void tokenize(char* text, std::vector<char*>& tokens) {
   }
 }
 
-// strtoul's reading of a number, kept to the 32 bits of the format's values.
-uint32_t readUnsigned(const char* text, char** end, int base) {
-  return static_cast<uint32_t>(std::strtoul(text, end, base));
-}
-
 struct FieldBits {
   int32_t low;
   int32_t size;
@@ -67,8 +61,8 @@ std::optional<FieldBits> fieldBitsOfToken(const char* token) {
   }
   if (std::strstr(token, "bitRange=") == nullptr) return std::nullopt;
   char* end = nullptr;
-  uint32_t low = readUnsigned(token + 9, &end, 10);
-  uint32_t high = *end == '-' ? readUnsigned(end + 1, nullptr, 10) : low;
+  uint32_t low = parseUnsignedC(token + 9, &end, 10);
+  uint32_t high = *end == '-' ? parseUnsignedC(end + 1, nullptr, 10) : low;
   // The width is 32-bit arithmetic that wraps; a high bit below the low one gives none.
   auto size = static_cast<int32_t>(high - low + 1u);
   if (size <= 0) return std::nullopt;

@@ -147,12 +147,7 @@ void XMLElement::setAttribute(char* name, char* value) {
     return;
   }
   auto* attribute = new XMLAttribute{name, value, lastAttribute_, nullptr};
-  if (lastAttribute_ == nullptr)
-    firstAttribute_ = attribute;
-  else
-    lastAttribute_->next = attribute;
-  lastAttribute_ = attribute;
-  ++attributeCount_;
+  linkAtEnd(attribute);
   if (index_ != nullptr) {
     index_->emplace(attribute->name, attribute);
   } else if (attributeCount_ > kIndexedAttributeCount) {
@@ -163,13 +158,17 @@ void XMLElement::setAttribute(char* name, char* value) {
 
 XMLAttribute* XMLElement::appendArenaAttribute(XMLArena& arena, char* name, char* value) {
   auto* attribute = arena.make<XMLAttribute>(XMLAttribute{name, value, lastAttribute_, nullptr});
+  linkAtEnd(attribute);
+  return attribute;
+}
+
+void XMLElement::linkAtEnd(XMLAttribute* attribute) {
   if (lastAttribute_ == nullptr)
     firstAttribute_ = attribute;
   else
     lastAttribute_->next = attribute;
   lastAttribute_ = attribute;
   ++attributeCount_;
-  return attribute;
 }
 
 void XMLElement::setAttributeCopy(const char* name, const char* value) {
@@ -204,15 +203,10 @@ bool isElementWithTag(const XMLNode* node, const char* tag) {
 
 }  // namespace
 
-XMLElement* findChild(XMLNode* first, const char* tag) {
-  for (XMLNode* node = first; node != nullptr; node = node->nextSibling())
-    if (isElementWithTag(node, tag)) return static_cast<XMLElement*>(node);
+const XMLElement* findChild(const XMLNode* first, const char* tag) {
+  for (const XMLNode* node = first; node != nullptr; node = node->nextSibling())
+    if (isElementWithTag(node, tag)) return static_cast<const XMLElement*>(node);
   return nullptr;
-}
-
-XMLElement* findChildInEither(XMLNode* firstOfOne, XMLNode* firstOfTwo, const char* tag) {
-  if (XMLElement* found = findChild(firstOfOne, tag)) return found;
-  return findChild(firstOfTwo, tag);
 }
 
 std::vector<XMLElement*> collectElements(XMLNode* first, const char* tag, bool recursive) {

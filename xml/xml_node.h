@@ -91,6 +91,9 @@ class XMLElement : public XMLNode {
   XMLAttribute* appendArenaAttribute(XMLArena& arena, char* name, char* value);
 
  private:
+  // Appends a pair whose previous link already names the last pair.
+  void linkAtEnd(XMLAttribute* attribute);
+
   XMLAttribute* firstAttribute_ = nullptr;
   XMLAttribute* lastAttribute_ = nullptr;
   unsigned attributeCount_ = 0;
@@ -117,8 +120,8 @@ class XMLCDATASection : public XMLNode {
 
 // Helpers over a chain of siblings given by its first node; nodes that are not
 // elements are passed over.
-XMLElement* findChild(XMLNode* first, const char* tag);
-XMLElement* findChildInEither(XMLNode* firstOfOne, XMLNode* firstOfTwo, const char* tag);
+// The first element with the tag (exact, case-sensitive) from `first` on, itself included.
+const XMLElement* findChild(const XMLNode* first, const char* tag);
 std::vector<XMLElement*> collectElements(XMLNode* first, const char* tag, bool recursive);
 // The text of all XMLData children of the element, joined in order, appended to
 // `out`; nothing if there is none.

@@ -1,36 +1,22 @@
 #include "readers/svd/svd_arrays.h"
 
-#include "readers/svd/svd_numbers.h"
+#include "base/parse_number.h"
+#include "base/text.h"
 #include "readers/svd/svd_text.h"
 
 namespace regmill {
 
-namespace {
-
-std::vector<std::string_view> splitDroppingEmpty(std::string_view text, char separator) {
-  std::vector<std::string_view> parts;
-  while (true) {
-    size_t at = text.find(separator);
-    std::string_view part = text.substr(0, at);
-    if (!part.empty()) parts.push_back(part);
-    if (at == std::string_view::npos) return parts;
-    text.remove_prefix(at + 1);
-  }
-}
-
-}  // namespace
-
 DimIndex parseDimIndex(std::string_view text) {
   DimIndex index;
   if (text.empty()) return index;
-  std::vector<std::string_view> range = splitDroppingEmpty(text, '-');
+  std::vector<std::string_view> range = splitSkippingEmpty(text, '-');
   if (range.size() == 2) {
     index.isRange_ = true;
     index.first_ = decimalNumber(range[0]).value_or(0);
     index.last_ = decimalNumber(range[1]).value_or(0);
     return index;
   }
-  for (std::string_view part : splitDroppingEmpty(text, ',')) index.parts_.emplace_back(part);
+  for (std::string_view part : splitSkippingEmpty(text, ',')) index.parts_.emplace_back(part);
   return index;
 }
 

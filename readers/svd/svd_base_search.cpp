@@ -32,7 +32,7 @@ bool hasTag(const XMLNode* node, const char* tag) {
   return node->isElement() && std::strcmp(node->getName(), tag) == 0;
 }
 
-const XMLElement* nameChild(const XMLNode* element) { return nextElementWithTag(element->firstChild(), "name"); }
+const XMLElement* nameChild(const XMLNode* element) { return findChild(element->firstChild(), "name"); }
 
 bool isNamedMatch(const XMLNode* node, const char* tag, std::string_view wanted) {
   if (!hasTag(node, tag)) return false;

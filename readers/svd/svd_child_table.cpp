@@ -63,10 +63,4 @@ ChildTable::ChildTable(const XMLElement* element) {
   }
 }
 
-const XMLElement* nextElementWithTag(const XMLNode* first, const char* tag) {
-  for (const XMLNode* node = first; node != nullptr; node = node->nextSibling())
-    if (node->isElement() && std::strcmp(node->getName(), tag) == 0) return static_cast<const XMLElement*>(node);
-  return nullptr;
-}
-
 }  // namespace regmill

@@ -36,7 +36,4 @@ class ChildTable {
   size_t childCount_ = 0;
 };
 
-// The first element with the tag in the chain of siblings from `first` (itself included).
-const XMLElement* nextElementWithTag(const XMLNode* first, const char* tag);
-
 }  // namespace regmill

@@ -3,8 +3,8 @@
 #include <string>
 
 #include "base/parse_number.h"
+#include "memorymap/cores.h"
 #include "readers/svd/svd_child_table.h"
-#include "readers/svd/svd_numbers.h"
 
 namespace regmill {
 
@@ -27,23 +27,14 @@ void storeInterrupt(SVDFile& file, const TextValue& name, const TextValue& value
 void readInterruptEntries(SVDFile& file, const XMLElement* interrupt) {
   const XMLNode* cursor = interrupt->firstChild();
   while (true) {
-    const XMLElement* name = nextElementWithTag(cursor, "name");
+    const XMLElement* name = findChild(cursor, "name");
     if (name == nullptr) return;
-    const XMLElement* value = nextElementWithTag(name, "value");
+    const XMLElement* value = findChild(name, "value");
     if (value == nullptr) return;
     cursor = value;
     storeInterrupt(file, TextValue(name), TextValue(value));
   }
 }
-
-struct CoreName {
-  std::string_view name;
-  int32_t core;
-  int vtor;  // 0 clear, 1 set, -1 unchanged
-};
-
-constexpr CoreName kCoreNames[] = {{"CM0", 0, 0},   {"CM0PLUS", 0, 1}, {"CM0+", 0, 1}, {"CM3", 3, -1},
-                                   {"CM4", 4, -1},  {"CM7", 7, -1},    {"CM23", 23, -1}, {"CM33", 33, -1}};
 
 bool isTrue(const TextValue& text) { return text == "1" || text == "true"; }
 
@@ -51,8 +42,8 @@ bool isTrue(const TextValue& text) { return text == "1" || text == "true"; }
 
 void readInterrupts(SVDFile& file, const XMLElement* peripheral) {
   if (file.interruptTableSize <= 0) return;
-  for (const XMLElement* interrupt = nextElementWithTag(peripheral->firstChild(), "interrupt"); interrupt != nullptr;
-       interrupt = nextElementWithTag(interrupt->nextSibling(), "interrupt"))
+  for (const XMLElement* interrupt = findChild(peripheral->firstChild(), "interrupt"); interrupt != nullptr;
+       interrupt = findChild(interrupt->nextSibling(), "interrupt"))
     readInterruptEntries(file, interrupt);
 }
 

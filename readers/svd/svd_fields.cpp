@@ -1,6 +1,6 @@
 #include "readers/svd/svd_fields.h"
 
-#include "readers/svd/svd_numbers.h"
+#include "base/parse_number.h"
 
 namespace regmill {
 
@@ -49,8 +49,8 @@ std::vector<EnumPlan> planEnumeratedValues(SVDReadContext& context, const Deriva
   const XMLElement* values = field.element(SVDTag::EnumeratedValues);
   if (values == nullptr) return enums;
   if (const XMLElement* named = context.bases.resolveDerived(values)) values = named;
-  for (const XMLElement* entry = nextElementWithTag(values->firstChild(), "enumeratedValue"); entry != nullptr;
-       entry = nextElementWithTag(entry->nextSibling(), "enumeratedValue")) {
+  for (const XMLElement* entry = findChild(values->firstChild(), "enumeratedValue"); entry != nullptr;
+       entry = findChild(entry->nextSibling(), "enumeratedValue")) {
     ChildTable children(entry);
     TextValue name = children.text(SVDTag::Name);
     TextValue value = children.text(SVDTag::Value);
@@ -63,8 +63,8 @@ std::vector<EnumPlan> planEnumeratedValues(SVDReadContext& context, const Deriva
 std::vector<FieldPlan> planFields(SVDReadContext& context, const XMLElement* fields) {
   std::vector<FieldPlan> plans;
   if (fields == nullptr) return plans;
-  for (const XMLElement* field = nextElementWithTag(fields->firstChild(), "field"); field != nullptr;
-       field = nextElementWithTag(field->nextSibling(), "field")) {
+  for (const XMLElement* field = findChild(fields->firstChild(), "field"); field != nullptr;
+       field = findChild(field->nextSibling(), "field")) {
     Derivation derivation = context.bases.derive(field);
     TextValue name = derivation.own.text(SVDTag::Name);
     if (context.ignoresField(name.view())) continue;

@@ -27,9 +27,9 @@ void readDeviceTexts(SVDReadContext& context, const ChildTable& device) {
 
 void readPeripherals(SVDReadContext& context, const XMLElement* peripherals) {
   // There is no peripheral array, and a derived peripheral doesn't get its base's interrupts.
-  for (const XMLElement* peripheral = nextElementWithTag(peripherals->firstChild(), "peripheral");
+  for (const XMLElement* peripheral = findChild(peripherals->firstChild(), "peripheral");
        peripheral != nullptr && !context.output.refused();
-       peripheral = nextElementWithTag(peripheral->nextSibling(), "peripheral"))
+       peripheral = findChild(peripheral->nextSibling(), "peripheral"))
     readPeripheral(context, peripheral);
 }
 
@@ -37,7 +37,7 @@ void readPeripherals(SVDReadContext& context, const XMLElement* peripherals) {
 
 Status readDevice(SVDFile& file, const XMLNode* firstTopLevelNode, uint32_t flags, const char* ignoreName,
                   size_t elementLimit) {
-  const XMLElement* device = nextElementWithTag(firstTopLevelNode, "device");
+  const XMLElement* device = findChild(firstTopLevelNode, "device");
   if (device == nullptr) return Status::failure("no device element");
   if (file.root() == nullptr) makeProcessorRoot(file);
   SVDReadContext context(file, firstTopLevelNode, flags, ignoreName, elementLimit);

@@ -1,6 +1,6 @@
 #include "readers/svd/svd_registers.h"
 
-#include "readers/svd/svd_numbers.h"
+#include "base/parse_number.h"
 
 namespace regmill {
 
@@ -70,8 +70,8 @@ void writeRegisterInstance(SVDReadContext& context, const RegisterPlan& plan, XM
 std::vector<RegisterPlan> planRegisters(SVDReadContext& context, const XMLElement* source,
                                         std::string_view peripheralSize) {
   std::vector<RegisterPlan> plans;
-  for (const XMLElement* reg = nextElementWithTag(source->firstChild(), "register"); reg != nullptr;
-       reg = nextElementWithTag(reg->nextSibling(), "register"))
+  for (const XMLElement* reg = findChild(source->firstChild(), "register"); reg != nullptr;
+       reg = findChild(reg->nextSibling(), "register"))
     plans.push_back(planRegister(context, reg, peripheralSize));
   return plans;
 }

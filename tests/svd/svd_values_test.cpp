@@ -1,7 +1,7 @@
 // The reader's number conversions, the interrupt table and the core values.
 #include <optional>
 
-#include "readers/svd/svd_numbers.h"
+#include "base/parse_number.h"
 #include "tests/svd/svd_test_support.h"
 
 namespace regmill {
