@@ -11,7 +11,6 @@
 
 #include <csignal>
 #include <cstdio>
-#include <filesystem>
 #include <string>
 
 #include "tests/support/scratch_folder.h"
@@ -20,12 +19,6 @@ namespace regmill {
 namespace {
 
 using testing::ScratchFolder;
-
-size_t filesIn(const ScratchFolder& folder) {
-  size_t count = 0;
-  for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(folder.path())) ++count;
-  return count;
-}
 
 void writeLots(std::FILE* stream) {
   std::string line(1000, 'x');
@@ -85,7 +78,7 @@ TEST(AtomicFile, AFailedOrKilledWriteKeepsTheTargetAndLeavesNoTemporaryFile) {
     EXPECT_EQ(WIFSIGNALED(status), c.killed);
     if (!c.killed) EXPECT_EQ(WEXITSTATUS(status), 0);
     EXPECT_EQ(folder.read("out.xml"), "precious");
-    EXPECT_EQ(filesIn(folder), 1u);
+    EXPECT_EQ(folder.entryCount(), 1u);
   }
 }
 
@@ -98,7 +91,7 @@ TEST(AtomicFile, ACommittedWriteReplacesTheTargetAndKeepsItsPermissions) {
   struct stat info{};
   ASSERT_EQ(stat(target.c_str(), &info), 0);
   EXPECT_EQ(info.st_mode & 07777, 0640u);
-  EXPECT_EQ(filesIn(folder), 1u);
+  EXPECT_EQ(folder.entryCount(), 1u);
   // A missing folder is a failure that names the target.
   Status missing = writeFileAtomically(folder.file("none/out.xml"), writeLots);
   EXPECT_FALSE(missing);

@@ -10,7 +10,6 @@
 
 #include <csignal>
 #include <filesystem>
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -67,49 +66,42 @@ void becomeUnprivileged() {
 struct HostileCase {
   const char* what;
   std::vector<std::string> arguments;
-  std::function<void(const ScratchFolder&)> prepare;
-  std::function<void()> beforeExec;
   std::string error;
+  void (*prepare)(const ScratchFolder&) = nullptr;
+  void (*beforeExec)() = nullptr;
+  bool mapWritten = false;  // the map is finished before the vector table fails
 };
 
-std::vector<HostileCase> hostileCases() {
-  auto nothing = [](const ScratchFolder&) {};
-  auto uart = [](const ScratchFolder& folder) { folder.write("uart.ddf", testing::readFile(kSource + "/examples/uart.ddf")); };
-  return {
-      {"an endless input", {"/dev/zero", "out.xml"}, nothing, {}, "error: read of /dev/zero failed\n"},
-      {"an endless random input", {"/dev/urandom", "out.xml"}, nothing, {}, "error: read of /dev/urandom failed\n"},
-      {"an enumeration under every field",
-       {"-tcf", "big.tcf", "out.xml"},
-       [](const ScratchFolder& folder) { folder.write("big.tcf", enumerationBlowupTCF()); },
-       {},
-       "error: read of big.tcf failed\n"},
-      {"a register file under every instance", {"-rdt", "big.rdt", "out.xml"}, writeInstanceBlowupRDT, {},
-       "error: read of big.rdt failed\n"},
-      {"a vector table named like the map",
-       {"-ddf", "-irqs", "A", "-irq-table", "out", "uart.ddf", "out.vec"},
-       uart,
-       {},
-       "error: the vector table out.vec is also the memory-map file\n"},
-      {"a file-size limit", {"-ddf", "-pp", "uart.ddf", "out.xml"}, uart, limitFileSize,
-       "error: write of out.xml failed\n"},
-      {"a read-only folder", {"-ddf", "uart.ddf", "out.xml"}, uart, becomeUnprivileged,
-       "error: write of out.xml failed\n"},
-  };
-}
+const HostileCase kHostileCases[] = {
+    {"an endless input", {"/dev/zero", "out.xml"}, "error: read of /dev/zero failed\n"},
+    {"an endless random input", {"/dev/urandom", "out.xml"}, "error: read of /dev/urandom failed\n"},
+    {"an enumeration under every field", {"-tcf", "big.tcf", "out.xml"}, "error: read of big.tcf failed\n",
+     [](const ScratchFolder& folder) { folder.write("big.tcf", enumerationBlowupTCF()); }},
+    {"a register file under every instance", {"-rdt", "big.rdt", "out.xml"}, "error: read of big.rdt failed\n",
+     writeInstanceBlowupRDT},
+    {"a vector table named like the map", {"-ddf", "-irqs", "A", "-irq-table", "out", "uart.ddf", "out.vec"},
+     "error: the vector table out.vec is also the memory-map file\n"},
+    {"a line break in an interrupt name",
+     {"-ddf", "-irqs", "A\n.word evil", "-irq-table", "out", "-irq-start", "0", "uart.ddf", "out.xml"},
+     "error: write of out.vec failed\n", nullptr, nullptr, true},
+    {"a file-size limit", {"-ddf", "-pp", "uart.ddf", "out.xml"}, "error: write of out.xml failed\n", nullptr,
+     limitFileSize},
+    {"a read-only folder", {"-ddf", "uart.ddf", "out.xml"}, "error: write of out.xml failed\n", nullptr,
+     becomeUnprivileged},
+};
 
 TEST(HostileInput, EndsWithOneLineAndLeavesTheOutputAsItWas) {
-  for (const HostileCase& c : hostileCases()) {
+  for (const HostileCase& c : kHostileCases) {
     SCOPED_TRACE(c.what);
     ScratchFolder folder;
-    c.prepare(folder);
+    folder.write("uart.ddf", testing::readFile(kSource + "/examples/uart.ddf"));
+    if (c.prepare) c.prepare(folder);
     folder.write("out.xml", "precious");
     folder.write("out.vec", "precious");
-    std::vector<std::filesystem::path> before;
-    for (const auto& entry : std::filesystem::directory_iterator(folder.path())) before.push_back(entry.path());
+    size_t files = folder.entryCount();
     // The folder is root's own; the read-only case runs as another user, who may
     // read it but not write to it.
     chmod(folder.path().c_str(), geteuid() == 0 ? 0755 : 0555);
-
     ProcessResult result = testing::runRegmill(c.arguments, folder.path(), [&] {
       rlimit cpu{kCpuSeconds, kCpuSeconds};
       setrlimit(RLIMIT_CPU, &cpu);
@@ -120,23 +112,10 @@ TEST(HostileInput, EndsWithOneLineAndLeavesTheOutputAsItWas) {
     EXPECT_EQ(result.exitCode, 1);
     EXPECT_EQ(result.err, c.error);
     EXPECT_LT(result.peakKilobytes, kPeakBoundKilobytes);
-    EXPECT_EQ(folder.read("out.xml"), "precious");
+    EXPECT_EQ(folder.read("out.xml").find("UART_CR") != std::string::npos, c.mapWritten);
     EXPECT_EQ(folder.read("out.vec"), "precious");
-    std::vector<std::filesystem::path> after;
-    for (const auto& entry : std::filesystem::directory_iterator(folder.path())) after.push_back(entry.path());
-    EXPECT_EQ(after.size(), before.size()) << "a file was left behind";
+    EXPECT_EQ(folder.entryCount(), files) << "a file was left behind";
   }
-}
-
-TEST(HostileInput, AnInterruptNameWithALineBreakFailsTheVectorTableButKeepsTheMap) {
-  ScratchFolder folder;
-  folder.write("uart.ddf", testing::readFile(kSource + "/examples/uart.ddf"));
-  ProcessResult result = testing::runRegmill({"-ddf", "-irqs", "A\n.word evil", "-irq-table", "v", "-irq-start", "0", "uart.ddf", "out.xml"},
-                                             folder.path());
-  EXPECT_EQ(result.exitCode, 1);
-  EXPECT_EQ(result.err, "error: write of v.vec failed\n");
-  EXPECT_NE(folder.read("out.xml").find("UART_CR"), std::string::npos);
-  EXPECT_FALSE(folder.exists("v.vec"));
 }
 
 TEST(HostileInput, RunningOutOfMemoryIsOneLine) {

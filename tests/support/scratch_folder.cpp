@@ -33,6 +33,12 @@ std::string ScratchFolder::read(const std::string& name) const { return readFile
 
 bool ScratchFolder::exists(const std::string& name) const { return std::filesystem::exists(file(name)); }
 
+size_t ScratchFolder::entryCount() const {
+  size_t count = 0;
+  for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(path_)) ++count;
+  return count;
+}
+
 std::string readFile(const std::filesystem::path& path) {
   std::ostringstream contents;
   contents << std::ifstream(path, std::ios::binary).rdbuf();

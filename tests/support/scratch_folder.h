@@ -24,6 +24,7 @@ class ScratchFolder {
   std::string write(const std::string& name, const std::string& contents) const;  // gives the file's path
   std::string read(const std::string& name) const;
   bool exists(const std::string& name) const;
+  size_t entryCount() const;  // files and folders in it
 
  private:
   std::filesystem::path path_;
