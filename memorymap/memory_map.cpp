@@ -4,6 +4,7 @@
 #include <strings.h>
 #include <string_view>
 
+#include "base/log.h"
 #include "xml/depth_first.h"
 #include "xml/xml_string.h"
 
@@ -29,7 +30,11 @@ ElementKind elementKindOfTag(const char* tag) {
 
 XMLElement* MemoryMap::createElement(char* tag) { return new MemoryMapElement(tag); }
 
-MemoryMapElement* MemoryMap::root() const { return dynamic_cast<MemoryMapElement*>(QXMLDocument::root()); }
+void MemoryMap::reportError(const QString& message) {
+  if (logMask() & kLogWarnings) logMessage("warning", kLogLineFeed, "%s", message.toUtf8().constData());
+}
+
+MemoryMapElement* MemoryMap::root() const { return dynamic_cast<MemoryMapElement*>(XMLPP2::root()); }
 
 MemoryMapElement* MemoryMap::newElement(const char* tag) {
   return static_cast<MemoryMapElement*>(createElement(copyXmlString(tag, std::strlen(tag))));

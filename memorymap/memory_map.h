@@ -42,11 +42,14 @@ class MemoryMapElement : public XMLElement {
 // The elements are MemoryMapElements; the document starts with text nodes off and no root.
 // The workbench's view state (flags, strings, view pointer, timestamp) is left out:
 // the converter neither sets nor reads it.
-class MemoryMap : public QXMLDocument {
+class MemoryMap : public XMLPP2 {
  public:
-  MemoryMap() : QXMLDocument(false) {}
+  MemoryMap() = default;
 
   XMLElement* createElement(char* tag) override;
+  // Sends the text to the library log as a warning when warnings are switched on;
+  // in the converter they never are.
+  void reportError(const QString& message) override;
 
   // The root as a MemoryMapElement, or null when there is none or it is of another class.
   MemoryMapElement* root() const;

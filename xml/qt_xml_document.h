@@ -1,5 +1,5 @@
-// The Qt side of the XML library: documents that take QString paths, and an
-// element's text as a QString. The
+// The Qt side of the XML library: documents that take QString paths, the base of
+// documents that report through a QString, and an element's text as a QString. The
 // tree and the plain documents don't need Qt; only code at the QString edges
 // includes this header.
 #pragma once
@@ -17,6 +17,14 @@ class QXMLDocument : public XMLDocument {
   // Writes the file through a temporary file beside it, so that a failed write
   // leaves an existing file as it was; the error text is then "couldn't write %s".
   Status save(const QString& path, unsigned indentation, unsigned maxLineLength);
+};
+
+// The base of documents that pass the conditional preprocessor; each says what
+// becomes of the preprocessor's messages. A new one has text nodes off.
+class XMLPP2 : public QXMLDocument {
+ public:
+  XMLPP2() : QXMLDocument(false) {}
+  virtual void reportError(const QString& message) = 0;
 };
 
 // The text of all XMLData children of the element, joined in order; the QString
