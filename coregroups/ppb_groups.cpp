@@ -16,7 +16,7 @@ namespace {
 // A group that the description already has, under any case, stands for both the
 // plain group and its alias.
 bool describedAlready(MemoryMapElement* root, const char* name) {
-  return findElement(root, RegisterGroupKind, "name", name, false) != nullptr;
+  return findElement(root, ElementKind::RegisterGroup, "name", name, false) != nullptr;
 }
 
 }  // namespace

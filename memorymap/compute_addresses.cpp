@@ -50,10 +50,10 @@ uint32_t startAddress(const char* text, uint32_t base, TextEvaluator& evaluator)
 }
 
 bool isContainer(ElementKind kind) {
-  return kind == MemorySegmentKind || kind == ProgramSectionKind || kind == RegisterGroupKind;
+  return kind == ElementKind::MemorySegment || kind == ElementKind::ProgramSection || kind == ElementKind::RegisterGroup;
 }
 
-bool isRegisterPart(ElementKind kind) { return kind == RegisterKind || kind == BitFieldKind || kind == EnumKind; }
+bool isRegisterPart(ElementKind kind) { return kind == ElementKind::Register || kind == ElementKind::BitField || kind == ElementKind::Enum; }
 
 // Settles one element's address and size and gives the base for its children.
 uint32_t computeElement(MemoryMapElement& element, uint32_t base, TextEvaluator& evaluator) {
@@ -64,9 +64,9 @@ uint32_t computeElement(MemoryMapElement& element, uint32_t base, TextEvaluator&
     if (isContainer(kind)) {
       element.address = startAddress(start, base, evaluator);
       childBase = element.address;
-    } else if (kind == RegisterKind) {
+    } else if (kind == ElementKind::Register) {
       element.address = startAddress(start, base, evaluator);
-    } else if (kind == BitFieldKind || kind == EnumKind) {
+    } else if (kind == ElementKind::BitField || kind == ElementKind::Enum) {
       element.address = startAddress(start, 0, evaluator);
     }
   }

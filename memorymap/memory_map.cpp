@@ -17,15 +17,15 @@ ElementKind elementKindOfTag(const char* tag) {
     std::string_view tag;
     ElementKind kind;
   };
-  static constexpr Entry kKinds[] = {{"MemorySegment", MemorySegmentKind}, {"Register", RegisterKind},
-                                     {"ProgramSection", ProgramSectionKind}, {"Root", RootKind},
-                                     {"RegisterGroup", RegisterGroupKind}, {"BitField", BitFieldKind},
-                                     {"Enum", EnumKind}, {"Processor", ProcessorKind}, {"Vector", VectorKind}};
+  static constexpr Entry kKinds[] = {{"MemorySegment", ElementKind::MemorySegment}, {"Register", ElementKind::Register},
+                                     {"ProgramSection", ElementKind::ProgramSection}, {"Root", ElementKind::Root},
+                                     {"RegisterGroup", ElementKind::RegisterGroup}, {"BitField", ElementKind::BitField},
+                                     {"Enum", ElementKind::Enum}, {"Processor", ElementKind::Processor}, {"Vector", ElementKind::Vector}};
   size_t length = std::strlen(tag);
   for (const Entry& entry : kKinds)
     if (entry.tag.size() == length && entry.tag[0] == tag[0] && std::memcmp(entry.tag.data(), tag, length) == 0)
       return entry.kind;
-  return OtherKind;
+  return ElementKind::Other;
 }
 
 XMLElement* MemoryMap::createElement(char* tag) { return new MemoryMapElement(tag); }

@@ -10,20 +10,20 @@
 
 namespace regmill {
 
-enum ElementKind : uint32_t {
-  MemorySegmentKind = 0,
-  RegisterKind = 1,
-  ProgramSectionKind = 2,
-  RootKind = 3,
-  RegisterGroupKind = 4,
-  BitFieldKind = 5,
-  EnumKind = 6,
-  ProcessorKind = 7,
-  VectorKind = 8,
-  OtherKind = 9,
+enum class ElementKind : uint32_t {
+  MemorySegment = 0,
+  Register = 1,
+  ProgramSection = 2,
+  Root = 3,
+  RegisterGroup = 4,
+  BitField = 5,
+  Enum = 6,
+  Processor = 7,
+  Vector = 8,
+  Other = 9,
 };
 
-// The kind of a tag, compared exactly and case-sensitively; an unlisted tag is OtherKind.
+// The kind of a tag, compared exactly and case-sensitively; an unlisted tag is Other.
 ElementKind elementKindOfTag(const char* tag);
 
 class MemoryMapElement : public XMLElement {

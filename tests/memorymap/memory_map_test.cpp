@@ -13,10 +13,10 @@ namespace {
 
 TEST(MemoryMap, KindsComeFromExactTags) {
   const std::pair<const char*, ElementKind> cases[] = {
-      {"MemorySegment", MemorySegmentKind}, {"Register", RegisterKind}, {"ProgramSection", ProgramSectionKind},
-      {"Root", RootKind}, {"RegisterGroup", RegisterGroupKind}, {"BitField", BitFieldKind}, {"Enum", EnumKind},
-      {"Processor", ProcessorKind}, {"Vector", VectorKind}, {"enum", OtherKind}, {"Registers", OtherKind},
-      {"", OtherKind}};
+      {"MemorySegment", ElementKind::MemorySegment}, {"Register", ElementKind::Register}, {"ProgramSection", ElementKind::ProgramSection},
+      {"Root", ElementKind::Root}, {"RegisterGroup", ElementKind::RegisterGroup}, {"BitField", ElementKind::BitField}, {"Enum", ElementKind::Enum},
+      {"Processor", ElementKind::Processor}, {"Vector", ElementKind::Vector}, {"enum", ElementKind::Other}, {"Registers", ElementKind::Other},
+      {"", ElementKind::Other}};
   MemoryMap map;
   for (const auto& [tag, kind] : cases)
     EXPECT_EQ(std::unique_ptr<MemoryMapElement>(map.newElement(tag))->kind(), kind) << tag;
@@ -31,7 +31,7 @@ TEST(MemoryMap, RootOfAnotherClassReadsAsNullAndParsedElementsAreMemoryMapElemen
   ASSERT_NE(map.root(), nullptr);
   EXPECT_EQ(testing::writtenText(map), "<Root/>\n");
   ASSERT_TRUE(map.parse("<Processor><RegisterGroup name=\"A\"/></Processor>"));
-  EXPECT_EQ(map.root()->kind(), ProcessorKind);
+  EXPECT_EQ(map.root()->kind(), ElementKind::Processor);
   EXPECT_NE(dynamic_cast<MemoryMapElement*>(map.root()->firstChild()), nullptr);
 }
 
@@ -53,20 +53,20 @@ class FindElement : public ::testing::Test {
 };
 
 TEST_F(FindElement, DepthFirstInDocumentOrderWithOrWithoutCase) {
-  MemoryMapElement* loose = find(RegisterGroupKind, "name", "nvic", false);
+  MemoryMapElement* loose = find(ElementKind::RegisterGroup, "name", "nvic", false);
   ASSERT_NE(loose, nullptr);
   EXPECT_STREQ(loose->getAttribute("name"), "NVIC");  // the first in document order
-  MemoryMapElement* exact = find(RegisterGroupKind, "name", "nvic", true);
+  MemoryMapElement* exact = find(ElementKind::RegisterGroup, "name", "nvic", true);
   ASSERT_NE(exact, nullptr);
   EXPECT_STREQ(exact->getAttribute("name"), "nvic");
-  EXPECT_EQ(find(RegisterGroupKind, "name", "NVIc", true), nullptr);
-  MemoryMapElement* cr = find(RegisterKind, "name", "CR", true);
+  EXPECT_EQ(find(ElementKind::RegisterGroup, "name", "NVIc", true), nullptr);
+  MemoryMapElement* cr = find(ElementKind::Register, "name", "CR", true);
   ASSERT_NE(cr, nullptr);
   EXPECT_FALSE(cr->hasAttribute("start"));  // the nested one comes before the later sibling
-  EXPECT_STREQ(find(BitFieldKind, nullptr, nullptr, true)->getAttribute("name"), "EN");
-  EXPECT_EQ(find(RegisterKind, "start", "missing", true), nullptr);
-  EXPECT_EQ(find(EnumKind, nullptr, nullptr, true), nullptr);
-  EXPECT_EQ(find(ProcessorKind, nullptr, nullptr, true), map_.root());
+  EXPECT_STREQ(find(ElementKind::BitField, nullptr, nullptr, true)->getAttribute("name"), "EN");
+  EXPECT_EQ(find(ElementKind::Register, "start", "missing", true), nullptr);
+  EXPECT_EQ(find(ElementKind::Enum, nullptr, nullptr, true), nullptr);
+  EXPECT_EQ(find(ElementKind::Processor, nullptr, nullptr, true), map_.root());
 }
 
 }  // namespace
