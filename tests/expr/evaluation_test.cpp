@@ -70,46 +70,34 @@ TEST(SimpleExpressionParser, EndPositionIsBehindTheTokenAfterTheExpression) {
   EXPECT_EQ(end, 3);
 }
 
-TEST(SimpleExpressionParser, EvaluateUnsignedAcceptsNumbersOnly) {
+// evaluateUnsigned takes numbers, evaluateSigned truncates floats soundly and
+// evaluateBool takes Bool only; ok tells whether the kind was accepted.
+TEST(SimpleExpressionParser, TypedEvaluationsAcceptTheirKindsOnly) {
   SimpleExpressionParser parser;
-  struct Case { const char* text; bool ok; uint64_t value; };
+  struct Case { char as; const char* text; bool ok; uint64_t value; };
   const Case cases[] = {
-      {"+0x100+0x20+8", true, 0x128}, {"-1", true, UINT64_MAX}, {"1.5", true, std::bit_cast<uint64_t>(1.5)},
-      {"1 == 1", false, 0}, {"\"a\"", false, 0}, {"x", false, 0}, {"1 +", false, 0},
-      {"1.5 + (1 == 1)", true, std::bit_cast<uint64_t>(2.5)},
-      {"(1 == 1) + 0.5", true, 0},  // a float of the Bool's size 0 has no bits
-      {"", false, 0},
+      {'u', "+0x100+0x20+8", true, 0x128}, {'u', "-1", true, UINT64_MAX}, {'u', "1.5", true, std::bit_cast<uint64_t>(1.5)},
+      {'u', "1 == 1", false, 0}, {'u', "\"a\"", false, 0}, {'u', "x", false, 0}, {'u', "1 +", false, 0},
+      {'u', "1.5 + (1 == 1)", true, std::bit_cast<uint64_t>(2.5)},
+      {'u', "(1 == 1) + 0.5", true, 0},  // a float of the Bool's size 0 has no bits
+      {'u', "", false, 0},
+      {'s', "-2.9", true, static_cast<uint64_t>(-2)}, {'s', "99999999999999999999.0", true, INT64_MAX},
+      {'s', "1 == 1", false, 0}, {'b', "2 > 1 == (1 == 1)", true, 1}, {'b', "1 != 1", true, 0}, {'b', "1", false, 0},
   };
   for (const Case& c : cases) {
+    const QString text = QString::fromUtf8(c.text);
     bool ok = !c.ok;
-    EXPECT_EQ(parser.evaluateUnsigned(QString::fromUtf8(c.text), &ok), c.value) << c.text;
+    uint64_t value = c.as == 'u'   ? parser.evaluateUnsigned(text, &ok)
+                     : c.as == 's' ? static_cast<uint64_t>(parser.evaluateSigned(text, &ok))
+                                   : parser.evaluateBool(text, &ok);
+    EXPECT_EQ(value, c.value) << c.text;
     EXPECT_EQ(ok, c.ok) << c.text;
   }
-}
-
-TEST(SimpleExpressionParser, EvaluateSignedTruncatesFloatsSoundly) {
-  SimpleExpressionParser parser;
-  bool ok = false;
-  EXPECT_EQ(parser.evaluateSigned(QStringLiteral("-2.9"), &ok), -2);
-  EXPECT_TRUE(ok);
-  EXPECT_EQ(parser.evaluateSigned(QStringLiteral("99999999999999999999.0"), &ok), INT64_MAX);
   const QString big = QStringLiteral("1") + QString(200, QLatin1Char('0')) + QStringLiteral(".0");
   const QString infinity = big + QLatin1Char('*') + big;
+  bool ok = false;
   EXPECT_EQ(parser.evaluateSigned(infinity + QLatin1Char('-') + infinity, &ok), 0);  // NaN reads as 0
   EXPECT_TRUE(ok);
-  EXPECT_EQ(parser.evaluateSigned(QStringLiteral("1 == 1"), &ok), 0);
-  EXPECT_FALSE(ok);
-}
-
-TEST(SimpleExpressionParser, EvaluateBoolAcceptsBoolOnly) {
-  SimpleExpressionParser parser;
-  bool ok = false;
-  EXPECT_TRUE(parser.evaluateBool(QStringLiteral("2 > 1 == (1 == 1)"), &ok));
-  EXPECT_TRUE(ok);
-  EXPECT_FALSE(parser.evaluateBool(QStringLiteral("1 != 1"), &ok));
-  EXPECT_TRUE(ok);
-  EXPECT_FALSE(parser.evaluateBool(QStringLiteral("1"), &ok));
-  EXPECT_FALSE(ok);
   EXPECT_FALSE(parser.evaluateBool(QStringLiteral("1 / 0 == 1"), nullptr));
 }
 

@@ -16,13 +16,7 @@ ExprValue integer(ExprKind kind, uint64_t payload, uint32_t size, uint32_t bitWi
 }
 
 TEST(ExprValue, IntegersConvertBySizeOrBitWidth) {
-  struct Case {
-    uint64_t payload;
-    uint32_t size;
-    uint32_t bitWidth;
-    int64_t asSigned;
-    uint64_t asUnsigned;
-  };
+  struct Case { uint64_t payload; uint32_t size, bitWidth; int64_t asSigned; uint64_t asUnsigned; };
   const Case cases[] = {
       {0x1FF, 1, 0, -1, 0xFF},
       {0x18000, 2, 0, -32768, 0x8000},

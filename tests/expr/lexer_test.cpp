@@ -25,13 +25,11 @@ std::vector<Token> tokensOf(Lexer& lexer, const QString& text) {
   return tokens;
 }
 
-struct LexCase {
-  const char* text;
-  std::vector<Token> tokens;
-};
+struct LexCase { const char* text; std::vector<Token> tokens; };
 
-// The first rule that matches wins, however long a later rule's match would be.
-TEST(CStyleLexer, FirstMatchingRuleWins) {
+// The first rule that matches wins, however long a later rule's match would be;
+// Unicode white space between tokens is skipped.
+TEST(CStyleLexer, FirstMatchingRuleWinsAndWhiteSpaceIsSkipped) {
   const LexCase cases[] = {
       {"0X10", {{CToken::DecimalInteger, "0"}, {CToken::Identifier, "X10"}}},
       {"0x", {{CToken::HexInteger, "0x"}}},
@@ -45,17 +43,12 @@ TEST(CStyleLexer, FirstMatchingRuleWins) {
       {"|||=|", {{CToken::BarBar, "||"}, {CToken::OrAssign, "|="}, {CToken::Bar, "|"}}},
       {"?,;~^=^", {{CToken::Question, "?"}, {CToken::Comma, ","}, {CToken::Semicolon, ";"}, {CToken::Tilde, "~"}, {CToken::XorAssign, "^="}, {CToken::Caret, "^"}}},
       {"*=/%=", {{CToken::StarAssign, "*="}, {CToken::Slash, "/"}, {CToken::PercentAssign, "%="}}},
+      {"\t1\u00a0+\n2  ", {{CToken::DecimalInteger, "1"}, {CToken::PlusSign, "+"}, {CToken::DecimalInteger, "2"}}},
   };
   for (const LexCase& c : cases) {
     CStyleLexer lexer;
     EXPECT_EQ(tokensOf(lexer, QString::fromUtf8(c.text)), c.tokens) << c.text;
   }
-}
-
-TEST(CStyleLexer, SkipsUnicodeWhiteSpace) {
-  CStyleLexer lexer;
-  std::vector<Token> expected = {{CToken::DecimalInteger, "1"}, {CToken::PlusSign, "+"}, {CToken::DecimalInteger, "2"}};
-  EXPECT_EQ(tokensOf(lexer, QStringLiteral("\t1\u00a0+\n2  ")), expected);
 }
 
 TEST(CStyleLexer, EndOfInputKeepsThePrecedenceOfTheTokenBefore) {
@@ -78,15 +71,11 @@ class ExpandingLexer : public CStyleLexer {
   }
 };
 
-TEST(Lexer, ReadsAnExpansionInPlaceOfItsIdentifier) {
+TEST(Lexer, ReadsAnExpansionInPlaceOfItsIdentifierButNotOneThatNamesItself) {
   ExpandingLexer lexer;
   std::vector<Token> expected = {{CToken::DecimalInteger, "1"}, {CToken::PlusSign, "+"}, {CToken::DecimalInteger, "1"},
                                  {CToken::Star, "*"},           {CToken::Identifier, "x"}};
   EXPECT_EQ(tokensOf(lexer, QStringLiteral("TWO*x")), expected);
-}
-
-TEST(Lexer, StopsAnExpansionThatNamesItself) {
-  ExpandingLexer lexer;
   EXPECT_THROW(lexer.setText(QStringLiteral("LOOP")), ParserException);
 }
 

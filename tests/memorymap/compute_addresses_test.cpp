@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <memory>
+#include <sstream>
 #include <string>
 
 #include "memorymap/compute_addresses.h"
@@ -9,7 +8,7 @@
 namespace regmill {
 namespace {
 
-// Builds memory-map trees by hand; the document only makes the elements.
+// Builds memory-map trees by hand; the map makes the elements and owns the root.
 class AddressTree {
  public:
   MemoryMapElement* add(MemoryMapElement* parent, const char* tag, const char* start = nullptr,
@@ -17,29 +16,20 @@ class AddressTree {
     MemoryMapElement* element = map_.newElement(tag);
     if (start != nullptr) element->setAttributeCopy("start", start);
     if (size != nullptr) element->setAttributeCopy("size", size);
-    if (parent == nullptr) {
-      root_.reset(element);
-    } else {
-      parent->addChild(element);
-    }
+    if (parent == nullptr) map_.setRoot(element);
+    else parent->addChild(element);
     return element;
   }
 
  private:
   MemoryMap map_;
-  std::unique_ptr<MemoryMapElement> root_;
 };
 
 // Address and size of each element, in hexadecimal.
 std::string placed(std::initializer_list<const MemoryMapElement*> elements) {
-  std::string text;
-  char one[40];
-  for (const MemoryMapElement* e : elements) {
-    std::snprintf(one, sizeof one, "%s%llx/%llx", text.empty() ? "" : " ", static_cast<unsigned long long>(e->address),
-                  static_cast<unsigned long long>(e->size));
-    text += one;
-  }
-  return text;
+  std::ostringstream text;
+  for (const MemoryMapElement* e : elements) text << (text.tellp() > 0 ? " " : "") << std::hex << e->address << '/' << e->size;
+  return text.str();
 }
 
 TEST(ComputeAddresses, RelativeStartsAddTheBaseTheirKindPassesOn) {
