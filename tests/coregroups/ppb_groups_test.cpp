@@ -72,21 +72,5 @@ TEST(PPBGroups, AGroupOfTheSameNameAnywhereSuppressesGroupAndAlias) {
   }
 }
 
-// The NVIC of its own takes the interrupt names from a later vector table entry and
-// has no descriptions.
-TEST(PPBGroups, AnNVICAddedFirstLeavesNoRoomForTheGeneratedOne) {
-  CoreDocument document({{16, "WWDG"}});
-  document.file.setCoreInfo(33, true, 2, false, false);
-  addNVICGroup(document.file, 33, 3, 16, false, false);
-  addPPBGroups(document.file);
-  EXPECT_EQ(names(document.file.root()), "NVIC SysTick SysTick_NS SCB SCB_NS");
-  MemoryMapElement* nvic = child(document.file.root(), "NVIC");
-  EXPECT_EQ(attributes(nvic), "name=NVIC start=0xE000E100");
-  EXPECT_EQ(names(nvic), "NVIC_ISER0 NVIC_ICER0 NVIC_ISPR0 NVIC_ICPR0 NVIC_IABR0 NVIC_ITNS0 NVIC_IPR0 NVIC_IPR1 "
-                         "NVIC_IPR2 NVIC_IPR3 NVIC_IPR4");
-  EXPECT_EQ(registerLine(child(nvic, "NVIC_IPR0")), "NVIC_IPR0 0xE000E400: WWDG 5:3");
-  EXPECT_EQ(attributes(child(nvic, "NVIC_IABR0")), "name=NVIC_IABR0 start=0xE000E300 access=ReadOnly");
-}
-
 }  // namespace
 }  // namespace regmill
