@@ -34,25 +34,29 @@ std::string absoluteName(const std::string& path) {
 Expected<std::string> readInputFile(const std::string& path, size_t limit) {
   std::unique_ptr<std::FILE, FileCloser> file(std::fopen(path.c_str(), "rb"));
   if (!file) return Status::failure(std::string("cannot open: ") + std::strerror(errno), path);
+  return readInputStream(file.get(), path, limit);
+}
+
+Expected<std::string> readInputStream(std::FILE* stream, const std::string& name, size_t limit) {
   struct stat info;
   std::string contents;
-  if (fstat(fileno(file.get()), &info) == 0) {
-    if (S_ISDIR(info.st_mode)) return Status::failure("is a folder", path);
+  if (fstat(fileno(stream), &info) == 0) {
+    if (S_ISDIR(info.st_mode)) return Status::failure("is a folder", name);
     if (S_ISREG(info.st_mode)) {
-      if (static_cast<uint64_t>(info.st_size) > limit) return Status::failure("file too large", path);
+      if (static_cast<uint64_t>(info.st_size) > limit) return Status::failure("file too large", name);
       // A regular file is read straight into place, without a copy through a block;
       // should it have grown or shrunk since, the loop below sees to it.
       contents.resize(static_cast<size_t>(info.st_size));
-      contents.resize(std::fread(contents.data(), 1, contents.size(), file.get()));
+      contents.resize(std::fread(contents.data(), 1, contents.size(), stream));
     }
   }
   char block[65536];
   size_t got;
-  while ((got = std::fread(block, 1, sizeof block, file.get())) > 0) {
-    if (contents.size() + got > limit) return Status::failure("file too large", path);
+  while ((got = std::fread(block, 1, sizeof block, stream)) > 0) {
+    if (contents.size() + got > limit) return Status::failure("file too large", name);
     contents.append(block, got);
   }
-  if (std::ferror(file.get())) return Status::failure(std::string("read failed: ") + std::strerror(errno), path);
+  if (std::ferror(stream)) return Status::failure(std::string("read failed: ") + std::strerror(errno), name);
   return contents;
 }
 

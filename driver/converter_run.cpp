@@ -41,28 +41,28 @@ int fail(const std::string& line) {
 std::optional<std::string> nameClash(const RunOptions& options) {
   const std::string& input = options.positional[0];
   const std::string& output = options.positional[1];
+  // A header is read only when no interrupt list overrides it.
+  const std::string* header = options.headerFile && !options.interruptList ? &*options.headerFile : nullptr;
   if (namesSameFile(input, output)) return "error: the memory-map file " + output + " is also the input\n";
-  if (options.headerFile && !options.interruptList && namesSameFile(*options.headerFile, output))
+  if (header && namesSameFile(*header, output))
     return "error: the memory-map file " + output + " is also the header file\n";
   if (!options.vectorTableName) return std::nullopt;
   std::string vectorFile = vectorTableFileName(*options.vectorTableName);
   if (namesSameFile(vectorFile, output))
     return "error: the vector table " + vectorFile + " is also the memory-map file\n";
   if (namesSameFile(vectorFile, input)) return "error: the vector table " + vectorFile + " is also the input\n";
-  if (options.headerFile && !options.interruptList && namesSameFile(*options.headerFile, vectorFile))
+  if (header && namesSameFile(*header, vectorFile))
     return "error: the vector table " + vectorFile + " is also the header file\n";
   return std::nullopt;
 }
 
-// A failure of the board readers: whether the tree has the format's shape is not
-// looked at, only whether the read itself failed.
-Status readFailure(const Expected<bool>& result) { return result.status(); }
-
 // TCF and RDT inputs are XML files loaded into a plain document with text nodes off.
+// Whether the tree has the format's shape is not looked at, only whether the read
+// itself failed.
 Status readXmlInput(const std::string& input, bool isTCF, SVDFile& file) {
   XMLDocument document(false, XMLStorage::Arena);
   if (Status loaded = document.load(input.c_str()); !loaded) return loaded;
-  return readFailure(isTCF ? readTCF(document.root(), file) : readRDT(document.root(), file));
+  return (isTCF ? readTCF(document.root(), file) : readRDT(document.root(), file)).status();
 }
 
 // Reads the input with the first reader of TCF, DDF, RDT that the options name, else

@@ -22,6 +22,12 @@ XMLElement* findBoardCPU(XMLNode* start, const char* id) {
 
 namespace {
 
+// Reserved bits are left out with their values.
+bool isReserved(const XMLElement* field) {
+  const char* id = field->getAttribute("id");
+  return id != nullptr && std::strcmp(id, "RESERVED") == 0;
+}
+
 // Builds the groups of one processor. Attribute values are copied as written; an
 // attribute absent in the input is set with a null value, written as an empty string.
 class RDTBuilder {
@@ -73,8 +79,7 @@ class RDTBuilder {
     forEachChildUntilText(registers->root(), "register", [&](XMLElement* reg) {
       ++count;
       forEachChildUntilText(reg, "bitfield", [&](XMLElement* field) {
-        const char* id = field->getAttribute("id");
-        if (id != nullptr && std::strcmp(id, "RESERVED") == 0) return;
+        if (isReserved(field)) return;
         ++count;
         for (XMLNode* child = field->firstChild(); child != nullptr && child->isElement(); child = child->nextSibling())
           ++count;
@@ -116,13 +121,12 @@ class RDTBuilder {
     forEachChildUntilText(reg, "bitfield", [&](XMLElement* field) { addBitField(element, field); });
   }
 
-  // Reserved bits are left out with their values; a field without an id is kept, nameless.
+  // A field without an id is kept, nameless.
   void addBitField(MemoryMapElement* reg, XMLElement* field) {
-    const char* id = field->getAttribute("id");
-    if (id != nullptr && std::strcmp(id, "RESERVED") == 0) return;
+    if (isReserved(field)) return;
     MemoryMapElement* element = maker_.append(reg, "BitField");
     if (element == nullptr) return;
-    element->setAttributeCopy("name", id);
+    element->setAttributeCopy("name", field->getAttribute("id"));
     element->setAttributeCopy("start", field->getAttribute("end"));
     element->setAttributeCopy("size", field->getAttribute("width"));
     for (XMLNode* child = field->firstChild(); child != nullptr && child->isElement(); child = child->nextSibling()) {

@@ -1,6 +1,5 @@
 #include "xml/xml_document.h"
 
-#include <sys/stat.h>
 
 #include <cstdio>
 #include <string>
@@ -53,24 +52,6 @@ Status XMLDocument::fail(const char* file, uint32_t line, const char* format, co
   return Status::failure(errorText_, file == nullptr ? std::string() : file, line + 1);
 }
 
-namespace {
-
-// A stream is read from its start in blocks, which also serves pipes, and within
-// the same bound as a file; a folder is no readable file.
-bool readStream(std::FILE* stream, std::string& contents) {
-  struct stat info;
-  if (fstat(fileno(stream), &info) == 0 && S_ISDIR(info.st_mode)) return false;
-  std::rewind(stream);
-  char block[65536];
-  for (size_t got; (got = std::fread(block, 1, sizeof block, stream)) > 0;) {
-    if (contents.size() + got > kInputSizeLimit) return false;
-    contents.append(block, got);
-  }
-  return std::ferror(stream) == 0;
-}
-
-}  // namespace
-
 Status XMLDocument::load(const char* path) {
   Expected<std::string> contents = readInputFile(path);
   if (!contents.ok()) {
@@ -80,13 +61,12 @@ Status XMLDocument::load(const char* path) {
   return parseContents(*contents, path);
 }
 
+// A stream is read from its start, within the same bound as a file.
 Status XMLDocument::load(std::FILE* stream) {
-  std::string contents;
-  if (!readStream(stream, contents)) {
-    Status failure = fail(nullptr, 0, "couldn't read %s", "stream");
-    return Status::failure(failure.reason());
-  }
-  return parseContents(contents, nullptr);
+  std::rewind(stream);
+  Expected<std::string> contents = readInputStream(stream, "stream");
+  if (!contents.ok()) return Status::failure(fail(nullptr, 0, "couldn't read %s", "stream").reason());
+  return parseContents(*contents, nullptr);
 }
 
 Status XMLDocument::parseContents(const std::string& contents, const char* name) {
