@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds everything with AddressSanitizer and
 # UndefinedBehaviorSanitizer, runs every test, then builds the libFuzzer targets
-# with clang and runs each for a bounded time from its seed corpus.
-# FUZZ_SECONDS sets the time per target (default 60).
+# with clang and runs them from their seed corpora within one fixed time budget.
+# FUZZ_BUDGET sets the seconds shared by all targets (default 360), split evenly.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 tools/install-deps.sh
@@ -23,8 +23,10 @@ ctest --test-dir out/plain -R HostileInput --output-on-failure
 cmake -S . -B out/fuzz -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
   -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ -DREGMILL_FUZZ=ON -DREGMILL_TESTS=OFF >/dev/null
 ninja -C out/fuzz -j"$jobs" fuzz_targets
-seconds=${FUZZ_SECONDS:-60}
-for target in "$PWD"/out/fuzz/fuzz/*_fuzz; do
+targets=("$PWD"/out/fuzz/fuzz/*_fuzz)
+seconds=$(( ${FUZZ_BUDGET:-360} / ${#targets[@]} ))
+(( seconds > 0 )) || seconds=1
+for target in "${targets[@]}"; do
   name=$(basename "$target" _fuzz)
   work=$(mktemp -d)
   cp -r "fuzz/corpus/$name/." "$work/"

@@ -10,24 +10,31 @@
 #ifndef REGMILL_BINARY
 #define REGMILL_BINARY "regmill"
 #endif
+#ifndef LOOM_BINARY
+#define LOOM_BINARY "loom"
+#endif
 
 namespace regmill::testing {
 
-ProcessResult runRegmill(const std::vector<std::string>& arguments, const std::filesystem::path& folder,
-                         const std::function<void()>& beforeExec) {
-  // Output goes to files of another scratch folder, so that the run's own folder
-  // holds only what regmill writes.
+ProcessResult runProgram(const std::string& binary, const std::vector<std::string>& arguments,
+                         const std::filesystem::path& folder, const std::function<void()>& beforeExec,
+                         const std::string& input) {
+  // Input and output go through files of another scratch folder, so that the run's
+  // own folder holds only what the program writes.
   ScratchFolder capture;
+  std::string inPath = capture.write("stdin", input);
   std::string outPath = capture.file("stdout");
   std::string errPath = capture.file("stderr");
-  std::vector<std::string> argv{REGMILL_BINARY};
+  std::vector<std::string> argv{binary};
   argv.insert(argv.end(), arguments.begin(), arguments.end());
   pid_t child = fork();
   if (child == 0) {
     if (chdir(folder.c_str()) != 0) _exit(127);
+    int in = open(inPath.c_str(), O_RDONLY);
     int out = open(outPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
     int err = open(errPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
-    if (out < 0 || err < 0) _exit(127);
+    if (in < 0 || out < 0 || err < 0) _exit(127);
+    dup2(in, 0);
     dup2(out, 1);
     dup2(err, 2);
     if (beforeExec) beforeExec();
@@ -48,6 +55,16 @@ ProcessResult runRegmill(const std::vector<std::string>& arguments, const std::f
   result.out = readFile(outPath);
   result.err = readFile(errPath);
   return result;
+}
+
+ProcessResult runRegmill(const std::vector<std::string>& arguments, const std::filesystem::path& folder,
+                         const std::function<void()>& beforeExec) {
+  return runProgram(REGMILL_BINARY, arguments, folder, beforeExec);
+}
+
+ProcessResult runLoom(const std::vector<std::string>& arguments, const std::filesystem::path& folder,
+                      const std::string& input) {
+  return runProgram(LOOM_BINARY, arguments, folder, {}, input);
 }
 
 }  // namespace regmill::testing

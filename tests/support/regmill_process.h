@@ -1,5 +1,5 @@
-// Runs the built regmill binary as a user would, in a folder of its own, and collects
-// exit code, stdout and stderr.
+// Runs a built program (regmill, loom) as a user would, in a folder of its own, and
+// collects exit code, stdout and stderr.
 #pragma once
 #include <filesystem>
 #include <functional>
@@ -16,8 +16,14 @@ struct ProcessResult {
   long peakKilobytes = 0;  // the child's largest resident size
 };
 
-// `beforeExec` runs in the child, e.g. to set resource limits.
+// `beforeExec` runs in the child, e.g. to set resource limits; `input` is its stdin.
+ProcessResult runProgram(const std::string& binary, const std::vector<std::string>& arguments,
+                         const std::filesystem::path& folder, const std::function<void()>& beforeExec = {},
+                         const std::string& input = {});
+
 ProcessResult runRegmill(const std::vector<std::string>& arguments, const std::filesystem::path& folder,
                          const std::function<void()>& beforeExec = {});
+ProcessResult runLoom(const std::vector<std::string>& arguments, const std::filesystem::path& folder,
+                      const std::string& input = {});
 
 }  // namespace regmill::testing

@@ -1,0 +1,27 @@
+// The subcommands of the loom front end. Each lives in a file of its own that only
+// reads its arguments and calls the library; the table in commands.cpp lists them.
+#pragma once
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace loom {
+
+using Arguments = std::span<const std::string>;  // the words after the command's name
+
+struct Command {
+  std::string_view name;
+  std::string_view usage;    // the arguments, e.g. "FILE [FILE...]"
+  std::string_view summary;  // one line for `loom help`
+  int (*run)(Arguments);     // the process's exit code
+};
+
+std::span<const Command> commands();
+const Command* findCommand(std::string_view name);
+
+// Prints "loom: " and the text on stderr and gives the exit code of a failure (1).
+int fail(std::string_view text);
+
+int runHelp(Arguments arguments);
+
+}  // namespace loom
