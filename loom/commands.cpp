@@ -7,6 +7,8 @@ namespace loom {
 // One row per subcommand, in the order `loom help` lists them.
 constexpr Command kCommands[] = {
     {"help", "[COMMAND]", "List the commands, or show how to use one", runHelp},
+    {"hex", "convert IN OUT [--from KIND] [--to KIND] [--fill BYTE] [--address ADDR] | info IN [--from KIND] [--address ADDR]",
+     "Convert a load file between bin, hex, srec, txt and lst, or list its sections", runHex},
 };
 
 std::span<const Command> commands() { return kCommands; }
