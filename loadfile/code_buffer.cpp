@@ -1,6 +1,7 @@
 #include "loadfile/code_buffer.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include "base/hexception.h"
 
@@ -11,11 +12,14 @@ namespace {
 constexpr char kDigits[] = "0123456789ABCDEF";
 // A count byte says at most 255; the path in a header keeps room for the count itself.
 constexpr size_t kLongestHeaderText = 254;
+// Records gather in memory and go to the file in blocks of about this size.
+constexpr size_t kOutputBlock = size_t{1} << 16;
 
 }  // namespace
 
 CodeBuffer::CodeBuffer(const std::string& path) : path_(path), file_(path) {
   if (!file_.open()) throw HException("cannot open " + path);
+  record_.reserve(kOutputBlock + 1024);
 }
 
 CodeBuffer::~CodeBuffer() {
@@ -36,12 +40,22 @@ void CodeBuffer::writeByte(uint8_t byte) {
 
 void CodeBuffer::writeBytes(uint32_t address, const uint8_t* bytes, size_t count) {
   setAddress(address);
-  for (size_t i = 0; i < count; ++i) writeByte(bytes[i]);
+  while (count != 0) {
+    size_t room = roomBeforeBreak();
+    size_t taken = std::min(count, room);
+    std::memcpy(line_ + lineLength_, bytes, taken);
+    lineLength_ += taken;
+    currentAddress_ += static_cast<uint32_t>(taken);
+    bytes += taken;
+    count -= taken;
+    if (taken == room) flush();
+  }
 }
 
 void CodeBuffer::finish(uint32_t startAddress) {
   flush();
   writeEnd(startAddress);
+  writeOut();
   if (!file_.commit()) throw HException("cannot write " + path_);
   finished_ = true;
 }
@@ -65,6 +79,10 @@ void CodeBuffer::putAddress(uint32_t address) {
 
 void CodeBuffer::endRecord() {
   record_ += '\n';
+  if (record_.size() >= kOutputBlock) writeOut();
+}
+
+void CodeBuffer::writeOut() {
   // A failed write shows in the stream's error state, which commit checks.
   std::fwrite(record_.data(), 1, record_.size(), file_.stream());
   record_.clear();
@@ -73,6 +91,10 @@ void CodeBuffer::endRecord() {
 void IntelHexBuffer::writeByte(uint8_t byte) {
   CodeBuffer::writeByte(byte);
   if ((currentAddress_ & 0xFFFF) == 0) flush();
+}
+
+size_t IntelHexBuffer::roomBeforeBreak() const {
+  return std::min<size_t>(kLineSize - lineLength_, 0x10000 - (currentAddress_ & 0xFFFF));
 }
 
 void IntelHexBuffer::writeLine() {

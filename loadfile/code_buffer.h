@@ -28,7 +28,8 @@ class CodeBuffer {
   // is the entry point, which only S-records carry. Throws "cannot write " and the path.
   virtual void finish(uint32_t startAddress);
 
-  // Writes `count` bytes from `address` on.
+  // Writes `count` bytes from `address` on, as writeByte would one by one, a line
+  // at a time.
   void writeBytes(uint32_t address, const uint8_t* bytes, size_t count);
 
  protected:
@@ -38,12 +39,14 @@ class CodeBuffer {
   void flush();
   virtual void writeLine() = 0;
   virtual void writeEnd(uint32_t startAddress) = 0;
+  // How many bytes the line may take, at most, before it must end.
+  virtual size_t roomBeforeBreak() const { return kLineSize - lineLength_; }
 
   // Output helpers: text, a byte as two upper-case digits, a number in eight.
   void put(std::string_view text);
   void putByte(uint8_t byte);
   void putAddress(uint32_t address);
-  // Ends the record being built with a line feed and hands it to the file.
+  // Ends the record being built with a line feed; full blocks go to the file.
   void endRecord();
 
   uint32_t currentAddress_ = 0;
@@ -53,8 +56,10 @@ class CodeBuffer {
   std::string path_;
 
  private:
+  void writeOut();
+
   AtomicFileWriter file_;
-  std::string record_;
+  std::string record_;  // the records not yet handed to the file
   bool finished_ = false;
 };
 
@@ -68,6 +73,7 @@ class IntelHexBuffer : public CodeBuffer {
  private:
   void writeLine() override;
   void writeEnd(uint32_t startAddress) override;
+  size_t roomBeforeBreak() const override;
   uint32_t upperWritten_ = 0;  // no extended address record is needed below 0x10000
 };
 

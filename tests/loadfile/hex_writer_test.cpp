@@ -107,6 +107,31 @@ TEST(HexBuffer, EachLineCarriesItsAddressAndReadsBack) {
             "00000010: A0 A1\n");
 }
 
+// Whole runs go in a line at a time; they must break exactly where single bytes do.
+template <typename Buffer>
+void expectRunsWriteAsSingleBytes() {
+  std::vector<std::pair<uint32_t, int>> runs = {{0xFFF3, 70}, {0x10050, 3}, {0x1FFFE, 40}, {0xFFFFFFF0, 40}, {0x20, 1}};
+  uint8_t bytes[70];
+  for (int i = 0; i < 70; ++i) bytes[i] = static_cast<uint8_t>(i * 11);
+  auto single = written<Buffer>([&](CodeBuffer& b) {
+    for (auto [address, count] : runs) {
+      b.setAddress(address);
+      for (int i = 0; i < count; ++i) b.writeByte(bytes[i]);
+    }
+  });
+  auto whole = written<Buffer>([&](CodeBuffer& b) {
+    for (auto [address, count] : runs) b.writeBytes(address, bytes, count);
+  });
+  EXPECT_EQ(whole.substr(whole.find('\n')), single.substr(single.find('\n')));
+}
+
+TEST(CodeBuffer, RunsWriteAsSingleBytesDo) {
+  expectRunsWriteAsSingleBytes<IntelHexBuffer>();
+  expectRunsWriteAsSingleBytes<SRecordBuffer>();
+  expectRunsWriteAsSingleBytes<TIHexBuffer>();
+  expectRunsWriteAsSingleBytes<HexBuffer>();
+}
+
 TEST(CodeBuffer, NothingReachesTheFileUnlessFinished) {
   ScratchFolder folder;
   std::string path = folder.write("kept.hex", "old contents\n");
