@@ -7,7 +7,6 @@
 #include "base/atomic_file.h"
 #include "base/hexception.h"
 #include "loadfile/binary_load_file.h"
-#include "loadfile/code_buffer.h"
 #include "loadfile/hex_load_files.h"
 
 namespace regmill {
@@ -30,17 +29,6 @@ constexpr NamedFormat kExtensions[] = {
     {".mot", LoadFileFormat::SRecord}, {".txt", LoadFileFormat::TIHex},   {".lst", LoadFileFormat::HexList},
 };
 
-std::unique_ptr<CodeBuffer> makeCodeBuffer(LoadFileFormat format, const std::string& path) {
-  switch (format) {
-    case LoadFileFormat::IntelHex: return std::make_unique<IntelHexBuffer>(path);
-    case LoadFileFormat::SRecord: return std::make_unique<SRecordBuffer>(path);
-    case LoadFileFormat::TIHex: return std::make_unique<TIHexBuffer>(path);
-    case LoadFileFormat::HexList: return std::make_unique<HexBuffer>(path);
-    case LoadFileFormat::Binary: break;
-  }
-  return nullptr;
-}
-
 void saveBinary(StandardLoadFile& file, const std::string& path) {
   const SectionList& list = file.sections().sections;
   if (list.size() > 1) throw HException("a binary file holds one section");
@@ -52,6 +40,17 @@ void saveBinary(StandardLoadFile& file, const std::string& path) {
 }
 
 }  // namespace
+
+std::unique_ptr<CodeBuffer> makeCodeBuffer(LoadFileFormat format, const std::string& path) {
+  switch (format) {
+    case LoadFileFormat::IntelHex: return std::make_unique<IntelHexBuffer>(path);
+    case LoadFileFormat::SRecord: return std::make_unique<SRecordBuffer>(path);
+    case LoadFileFormat::TIHex: return std::make_unique<TIHexBuffer>(path);
+    case LoadFileFormat::HexList: return std::make_unique<HexBuffer>(path);
+    case LoadFileFormat::Binary: break;
+  }
+  return nullptr;
+}
 
 std::optional<LoadFileFormat> formatFromKeyword(std::string_view keyword) {
   for (const NamedFormat& named : kKeywords)

@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "loadfile/code_buffer.h"
 #include "loadfile/load_file.h"
 
 namespace regmill {
@@ -21,6 +22,9 @@ std::optional<LoadFileFormat> formatFromExtension(std::string_view path);
 // The file read by the format's class; a binary file is placed at `loadAddress`.
 std::unique_ptr<StandardLoadFile> loadLoadFile(LoadFileFormat format, const std::string& path,
                                                uint32_t loadAddress = 0);
+
+// The writer of a text format; none for "bin", which is written whole by saveLoadFile.
+std::unique_ptr<CodeBuffer> makeCodeBuffer(LoadFileFormat format, const std::string& path);
 
 // Writes the sections of `file` to `path` in `format`, in list order, and the entry
 // point where the format has room for one. A binary file holds the bytes of one

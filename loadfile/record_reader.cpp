@@ -32,7 +32,7 @@ constexpr std::array<uint8_t, 256> kHexValue = [] {
 }  // namespace
 
 LineReader::LineReader(const std::string& path, size_t lineBufferSize)
-    : path_(path), longestLine_(lineBufferSize - 1), block_(kBlockSize) {
+    : path_(path), longestLine_(lineBufferSize - 1), block_(std::make_unique_for_overwrite<char[]>(kBlockSize)) {
   file_ = std::fopen(path.c_str(), "rb");
   struct stat info;
   // A folder opens on some systems but holds no lines.
@@ -50,11 +50,11 @@ void LineReader::close() {
 bool LineReader::fill() {
   if (atEnd_ || file_ == nullptr) return false;
   if (start_ != 0) {
-    std::memmove(block_.data(), block_.data() + start_, end_ - start_);
+    std::memmove(block_.get(), block_.get() + start_, end_ - start_);
     end_ -= start_;
     start_ = 0;
   }
-  size_t got = std::fread(block_.data() + end_, 1, block_.size() - end_, file_);
+  size_t got = std::fread(block_.get() + end_, 1, kBlockSize - end_, file_);
   if (got == 0) {
     if (std::ferror(file_)) throw HException("cannot read " + path_);
     atEnd_ = true;
@@ -67,7 +67,7 @@ bool LineReader::fill() {
 bool LineReader::next(std::string_view& line) {
   size_t searched = 0;  // bytes behind start_ already known to hold no line feed
   for (;;) {
-    char* begin = block_.data() + start_;
+    char* begin = block_.get() + start_;
     size_t available = end_ - start_;
     auto* feed = static_cast<char*>(std::memchr(begin + searched, '\n', available - searched));
     if (feed != nullptr) {
@@ -87,7 +87,7 @@ bool LineReader::next(std::string_view& line) {
     if (!fill()) {
       if (available == 0) return false;
       if (available > longestLine_) throw HException("line too long");
-      line = std::string_view(block_.data() + start_, available);
+      line = std::string_view(block_.get() + start_, available);
       start_ = end_;
       return true;
     }

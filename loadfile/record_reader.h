@@ -6,9 +6,9 @@
 #include <cstdint>
 #include <cstdio>
 #include <functional>
+#include <memory>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "loadfile/load_file.h"
 
@@ -37,7 +37,7 @@ class LineReader {
   std::string path_;
   std::FILE* file_ = nullptr;
   size_t longestLine_;
-  std::vector<char> block_;
+  std::unique_ptr<char[]> block_;  // kBlockSize bytes, filled as they are read
   size_t start_ = 0;
   size_t end_ = 0;
   bool atEnd_ = false;

@@ -5,7 +5,6 @@
 #include <string>
 #include <vector>
 
-#include "base/hexception.h"
 #include "loadfile/load_file_formats.h"
 #include "tests/loadfile/load_file_dump.h"
 #include "tests/support/scratch_folder.h"
@@ -26,11 +25,9 @@ struct ReadCase {
 std::string readOutcome(LoadFileFormat format, const std::string& text) {
   ScratchFolder folder;
   std::string path = folder.write("input", text);
-  try {
-    return dumpSections(*loadLoadFile(format, path));
-  } catch (const HException& failure) {
-    return failure.text();
-  }
+  std::string dump;
+  std::string failure = testing::thrownText([&] { dump = dumpSections(*loadLoadFile(format, path)); });
+  return failure == "no exception" ? dump : failure;
 }
 
 void check(const std::vector<ReadCase>& cases) {
@@ -137,16 +134,9 @@ TEST(HexListReader, ReadsAddressesAndBytesAndRefusesBadLines) {
 
 TEST(HexReaders, OpenFailuresCarryThePathAndNoLine) {
   ScratchFolder folder;
-  for (LoadFileFormat format : {kIntel, kSRecord, kTI, kList}) {
-    for (const std::string& path : {folder.file("missing"), folder.path().string()}) {
-      try {
-        loadLoadFile(format, path);
-        ADD_FAILURE() << "no exception";
-      } catch (const HException& failure) {
-        EXPECT_EQ(failure.text(), "cannot open " + path);
-      }
-    }
-  }
+  for (LoadFileFormat format : {kIntel, kSRecord, kTI, kList})
+    for (const std::string& path : {folder.file("missing"), folder.path().string()})
+      EXPECT_EQ(testing::thrownText([&] { loadLoadFile(format, path); }), "cannot open " + path);
 }
 
 }  // namespace

@@ -5,7 +5,6 @@
 #include <functional>
 #include <string>
 
-#include "base/hexception.h"
 #include "loadfile/code_buffer.h"
 #include "loadfile/hex_load_files.h"
 #include "tests/loadfile/load_file_dump.h"
@@ -90,21 +89,17 @@ TEST(TIHexBuffer, AnAddressLineOnlyWhereTheBytesDontContinue) {
 TEST(HexBuffer, EachLineCarriesItsAddressAndReadsBack) {
   ScratchFolder folder;
   std::string path = folder.file("out.lst");
-  {
-    HexBuffer buffer(path);
-    writeRun(buffer, 0xFFFFFFF0, 20, 0x30);
-    writeRun(buffer, 0x10, 2, 0xA0);
-    buffer.finish(0);
-  }
-  EXPECT_EQ(folder.read("out.lst"),
-            "FFFFFFF0 30 31 32 33 34 35 36 37 38 39 3A 3B 3C 3D 3E 3F\n"
-            "00000000 40 41 42 43\n"
-            "00000010 A0 A1\n");
+  HexBuffer buffer(path);
+  writeRun(buffer, 0xFFFFFFF0, 20, 0x30);
+  writeRun(buffer, 0x10, 2, 0xA0);
+  buffer.finish(0);
+  const std::string lines[] = {"FFFFFFF0 30 31 32 33 34 35 36 37 38 39 3A 3B 3C 3D 3E 3F\n", "00000000 40 41 42 43\n",
+                               "00000010 A0 A1\n"};
+  EXPECT_EQ(folder.read("out.lst"), lines[0] + lines[1] + lines[2]);
   HexLoadFile back(path);
-  EXPECT_EQ(testing::dumpSections(back),
-            "FFFFFFF0: 30 31 32 33 34 35 36 37 38 39 3A 3B 3C 3D 3E 3F\n"
-            "00000000: 40 41 42 43\n"
-            "00000010: A0 A1\n");
+  std::string dump;
+  for (std::string line : lines) dump += line.insert(8, ":");
+  EXPECT_EQ(testing::dumpSections(back), dump);
 }
 
 // Whole runs go in a line at a time; they must break exactly where single bytes do.
@@ -142,12 +137,7 @@ TEST(CodeBuffer, NothingReachesTheFileUnlessFinished) {
   EXPECT_EQ(folder.read("kept.hex"), "old contents\n");
   EXPECT_EQ(folder.entryCount(), 1u) << "no temporary file stays behind";
   std::string unreachable = folder.file("no/such/folder/out.hex");
-  try {
-    IntelHexBuffer buffer(unreachable);
-    FAIL() << "no exception";
-  } catch (const HException& failure) {
-    EXPECT_EQ(failure.text(), "cannot open " + unreachable);
-  }
+  EXPECT_EQ(testing::thrownText([&] { IntelHexBuffer{unreachable}; }), "cannot open " + unreachable);
 }
 
 }  // namespace

@@ -1,9 +1,11 @@
-// The sections of a load file as text a person can read and compare: one line per
-// section, "address: bytes" in hexadecimal, and the entry point if there is one.
+// What the load-file tests compare: the sections of a file as text a person can
+// read, one line per section, "address: bytes" in hexadecimal, then the entry
+// point; and the text of the HException that some work throws.
 #pragma once
 #include <cstdio>
 #include <string>
 
+#include "base/hexception.h"
 #include "loadfile/load_file.h"
 
 namespace regmill::testing {
@@ -25,6 +27,17 @@ inline std::string dumpSections(StandardLoadFile& file) {
     text += piece;
   }
   return text;
+}
+
+// The failure's text, or "no exception".
+template <typename Work>
+std::string thrownText(Work work) {
+  try {
+    work();
+  } catch (const HException& failure) {
+    return failure.text();
+  }
+  return "no exception";
 }
 
 }  // namespace regmill::testing

@@ -11,8 +11,6 @@
 #include <string>
 #include <vector>
 
-#include "base/hexception.h"
-#include "loadfile/code_buffer.h"
 #include "loadfile/load_file_formats.h"
 #include "tests/loadfile/load_file_dump.h"
 #include "tests/support/regmill_process.h"
@@ -59,6 +57,8 @@ struct Image {
       std::copy(chunk.bytes.begin(), chunk.bytes.end(), bytes.begin() + (chunk.address - low()));
     return bytes;
   }
+  // The same behind its start address, as readFilled gives it.
+  std::string placed() const;
 };
 
 std::vector<uint8_t> randomBytes(size_t count, unsigned seed) {
@@ -81,12 +81,13 @@ struct PeerFormat {
   LoadFileFormat format;
   const char* extension;
   const char* srecCatName;
+  const char* objcopyName;  // empty where objcopy has no such format
 };
 
 constexpr PeerFormat kFormats[] = {
-    {LoadFileFormat::IntelHex, "hex", "-intel"},
-    {LoadFileFormat::SRecord, "srec", "-motorola"},
-    {LoadFileFormat::TIHex, "txt", "-ti-txt"},
+    {LoadFileFormat::IntelHex, "hex", "-intel", "ihex"},
+    {LoadFileFormat::SRecord, "srec", "-motorola", "srec"},
+    {LoadFileFormat::TIHex, "txt", "-ti-txt", ""},
 };
 
 std::string hexNumber(uint64_t value) {
@@ -95,13 +96,14 @@ std::string hexNumber(uint64_t value) {
   return text;
 }
 
-// What our reader makes of a file, as the filled image and its start.
-std::string readFilled(LoadFileFormat format, const std::string& path, uint32_t& start) {
+std::string Image::placed() const { return hexNumber(low()) + ":" + filled(); }
+
+// What our reader makes of a file: its start address, then the image with its gaps filled.
+std::string readFilled(LoadFileFormat format, const std::string& path) {
   auto file = loadLoadFile(format, path);
   file->makeContiguous(0xFF);
   const auto& section = *file->sections().sections.front();
-  start = section.address();
-  return std::string(reinterpret_cast<const char*>(section.data()), section.size());
+  return hexNumber(section.address()) + ":" + std::string(reinterpret_cast<const char*>(section.data()), section.size());
 }
 
 TEST(PeerRoundTrip, SrecCatReadsWhatWeWrite) {
@@ -111,13 +113,9 @@ TEST(PeerRoundTrip, SrecCatReadsWhatWeWrite) {
       SCOPED_TRACE(std::string(image.what) + " as " + format.extension);
       ScratchFolder folder;
       std::string ours = std::string("ours.") + format.extension;
-      {
-        auto buffer = format.format == LoadFileFormat::IntelHex ? std::unique_ptr<CodeBuffer>(new IntelHexBuffer(folder.file(ours)))
-                      : format.format == LoadFileFormat::SRecord ? std::unique_ptr<CodeBuffer>(new SRecordBuffer(folder.file(ours)))
-                                                                : std::unique_ptr<CodeBuffer>(new TIHexBuffer(folder.file(ours)));
-        for (const Chunk& chunk : image.chunks) buffer->writeBytes(chunk.address, chunk.bytes.data(), chunk.bytes.size());
-        buffer->finish(0);
-      }
+      auto buffer = makeCodeBuffer(format.format, folder.file(ours));
+      for (const Chunk& chunk : image.chunks) buffer->writeBytes(chunk.address, chunk.bytes.data(), chunk.bytes.size());
+      buffer->finish(0);
       runPeer("srec_cat",
               {ours, format.srecCatName, "-fill", "0xFF", hexNumber(image.low()), hexNumber(image.high()), "-offset",
                "-" + hexNumber(image.low()), "-o", "peer.bin", "-binary"},
@@ -127,13 +125,15 @@ TEST(PeerRoundTrip, SrecCatReadsWhatWeWrite) {
   }
 }
 
-TEST(PeerRoundTrip, WeReadWhatSrecCatWrites) {
+// srec_cat is given each chunk as a binary file of its own, so that it writes the
+// gaps as gaps; objcopy, which takes one binary file, gets the first chunk alone.
+TEST(PeerRoundTrip, WeReadWhatSrecCatAndObjcopyWrite) {
   REGMILL_NEED_PEER("srec_cat");
+  REGMILL_NEED_PEER("objcopy");
   for (const Image& image : images()) {
     for (const PeerFormat& format : kFormats) {
       SCOPED_TRACE(std::string(image.what) + " as " + format.extension);
       ScratchFolder folder;
-      // Each chunk a binary file of its own, so that srec_cat writes the gaps as gaps.
       std::vector<std::string> arguments;
       for (size_t i = 0; i < image.chunks.size(); ++i) {
         const Chunk& chunk = image.chunks[i];
@@ -141,32 +141,17 @@ TEST(PeerRoundTrip, WeReadWhatSrecCatWrites) {
         folder.write(name, std::string(chunk.bytes.begin(), chunk.bytes.end()));
         arguments.insert(arguments.end(), {name, "-binary", "-offset", hexNumber(chunk.address)});
       }
-      std::string theirs = std::string("peer.") + format.extension;
-      arguments.insert(arguments.end(), {"-o", theirs, format.srecCatName});
-      if (format.format == LoadFileFormat::SRecord) arguments.push_back("-disable=data-count");
+      arguments.insert(arguments.end(), {"-o", "srec_cat.out", format.srecCatName, "-disable=data-count"});
       runPeer("srec_cat", arguments, folder);
-      uint32_t start = 0;
-      EXPECT_TRUE(readFilled(format.format, folder.file(theirs), start) == image.filled());
-      EXPECT_EQ(start, image.low());
-    }
-  }
-}
-
-TEST(PeerRoundTrip, WeReadWhatObjcopyWrites) {
-  REGMILL_NEED_PEER("objcopy");
-  for (const Image& image : images()) {
-    const Chunk& chunk = image.chunks.front();
-    for (auto [format, target] : {std::pair{LoadFileFormat::IntelHex, "ihex"}, {LoadFileFormat::SRecord, "srec"}}) {
-      SCOPED_TRACE(std::string(image.what) + " as " + target);
-      ScratchFolder folder;
-      folder.write("chunk.bin", std::string(chunk.bytes.begin(), chunk.bytes.end()));
+      EXPECT_TRUE(readFilled(format.format, folder.file("srec_cat.out")) == image.placed());
+      if (*format.objcopyName == '\0') continue;
       runPeer("objcopy",
-              {"-I", "binary", "-O", target, "--change-addresses", hexNumber(chunk.address), "chunk.bin", "peer.out"},
+              {"-I", "binary", "-O", format.objcopyName, "--change-addresses", hexNumber(image.low()), "chunk0.bin",
+               "objcopy.out"},
               folder);
-      uint32_t start = 0;
-      EXPECT_TRUE(readFilled(format, folder.file("peer.out"), start) ==
-                  std::string(chunk.bytes.begin(), chunk.bytes.end()));
-      EXPECT_EQ(start, chunk.address);
+      const auto& first = image.chunks.front().bytes;
+      EXPECT_TRUE(readFilled(format.format, folder.file("objcopy.out")) ==
+                  hexNumber(image.low()) + ":" + std::string(first.begin(), first.end()));
     }
   }
 }
@@ -194,13 +179,9 @@ TEST(PeerDifferences, AnS6CountFromSrecCatFailsAtItsLine) {
   auto bytes = randomBytes(65536, 9);
   folder.write("image.bin", std::string(bytes.begin(), bytes.end()));
   runPeer("srec_cat", {"image.bin", "-binary", "-o", "peer.srec", "-motorola", "-obs=1"}, folder);
-  try {
-    loadLoadFile(LoadFileFormat::SRecord, folder.file("peer.srec"));
-    FAIL() << "the S6 record was accepted";
-  } catch (const HException& failure) {
-    // The header, 65536 records of one byte, then the count.
-    EXPECT_EQ(failure.text(), "invalid checksum : line 65538");
-  }
+  // The header, 65536 records of one byte, then the count.
+  EXPECT_EQ(testing::thrownText([&] { loadLoadFile(LoadFileFormat::SRecord, folder.file("peer.srec")); }),
+            "invalid checksum : line 65538");
 }
 
 }  // namespace
