@@ -7,8 +7,10 @@ namespace loom {
 // One row per subcommand, in the order `loom help` lists them.
 constexpr Command kCommands[] = {
     {"help", "[COMMAND]", "List the commands, or show how to use one", runHelp},
-    {"hex", "convert IN OUT [--from KIND] [--to KIND] [--fill BYTE] [--address ADDR] | info IN [--from KIND] [--address ADDR]",
-     "Convert a load file between bin, hex, srec, txt and lst, or list its sections", runHex},
+    {"hex", "(convert IN OUT | info IN) [OPTIONS]",
+     "Convert a load file or list its sections; options --from KIND, --to KIND (bin hex srec txt lst; "
+     "by default the extension), --fill BYTE, --address ADDR (of a binary input)",
+     runHex},
 };
 
 std::span<const Command> commands() { return kCommands; }

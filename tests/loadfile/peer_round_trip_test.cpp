@@ -5,9 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <filesystem>
 #include <random>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -19,29 +17,27 @@
 namespace regmill {
 namespace {
 
-namespace fs = std::filesystem;
 using testing::ScratchFolder;
 
-// The program's full path from PATH, or empty.
-std::string peer(const std::string& name) {
-  const char* path = std::getenv("PATH");
-  std::istringstream folders(path != nullptr ? path : "");
-  for (std::string folder; std::getline(folders, folder, ':');)
-    if (!folder.empty() && fs::exists(fs::path(folder) / name)) return (fs::path(folder) / name).string();
-  return {};
+#define REGMILL_NEED_PEER(name)                                                  \
+  if (std::system("command -v " name " >/dev/null 2>&1") != 0)                   \
+  GTEST_SKIP() << name << " is not installed (Debian packages srecord, binutils)"
+
+void runPeer(const std::string& name, std::vector<std::string> arguments, const ScratchFolder& folder) {
+  arguments.insert(arguments.begin(), name);  // env finds the peer on PATH
+  auto run = testing::runProgram("/usr/bin/env", arguments, folder.path());
+  ASSERT_EQ(run.exitCode, 0) << name << ": " << run.err;
 }
 
-#define REGMILL_NEED_PEER(name) \
-  if (peer(name).empty()) GTEST_SKIP() << name << " is not installed (Debian packages srecord, binutils)"
-
-void runPeer(const std::string& name, const std::vector<std::string>& arguments, const ScratchFolder& folder) {
-  auto run = testing::runProgram(peer(name), arguments, folder.path());
-  ASSERT_EQ(run.exitCode, 0) << name << ": " << run.err;
+std::string hexNumber(uint64_t value) {
+  char text[24];
+  std::snprintf(text, sizeof text, "0x%llX", static_cast<unsigned long long>(value));
+  return text;
 }
 
 struct Chunk {
   uint32_t address;
-  std::vector<uint8_t> bytes;
+  std::string bytes;
 };
 
 struct Image {
@@ -53,29 +49,24 @@ struct Image {
   // The bytes from low to high, gaps filled with 0xFF.
   std::string filled() const {
     std::string bytes(high() - low(), '\xFF');
-    for (const Chunk& chunk : chunks)
-      std::copy(chunk.bytes.begin(), chunk.bytes.end(), bytes.begin() + (chunk.address - low()));
+    for (const Chunk& chunk : chunks) bytes.replace(chunk.address - low(), chunk.bytes.size(), chunk.bytes);
     return bytes;
   }
-  // The same behind its start address, as readFilled gives it.
-  std::string placed() const;
 };
 
-std::vector<uint8_t> randomBytes(size_t count, unsigned seed) {
+std::string randomBytes(size_t count, unsigned seed) {
   std::mt19937 generator(seed);
-  std::vector<uint8_t> bytes(count);
-  for (uint8_t& byte : bytes) byte = static_cast<uint8_t>(generator());
+  std::string bytes(count, '\0');
+  for (char& byte : bytes) byte = static_cast<char>(generator());
   return bytes;
 }
 
-std::vector<Image> images() {
-  return {
-      {"around 0x10000", {{0xFFF0, randomBytes(40, 1)}, {0x10020, randomBytes(17, 2)}}},
-      {"around 0x1000000", {{0xFFFFF0, randomBytes(300, 3)}, {0x1000200, randomBytes(5, 4)}}},
-      {"32-bit addresses", {{0x08000000, randomBytes(70000, 5)}, {0x08011180, randomBytes(33, 6)}}},
-      {"top of memory", {{0xFFFFFE00, randomBytes(200, 7)}, {0xFFFFFF10, randomBytes(240, 8)}}},
-  };
-}
+const Image kImages[] = {
+    {"around 0x10000", {{0xFFF0, randomBytes(40, 1)}, {0x10020, randomBytes(17, 2)}}},
+    {"around 0x1000000", {{0xFFFFF0, randomBytes(300, 3)}, {0x1000200, randomBytes(5, 4)}}},
+    {"32-bit addresses", {{0x08000000, randomBytes(70000, 5)}, {0x08011180, randomBytes(33, 6)}}},
+    {"top of memory", {{0xFFFFFE00, randomBytes(200, 7)}, {0xFFFFFF10, randomBytes(240, 8)}}},
+};
 
 struct PeerFormat {
   LoadFileFormat format;
@@ -90,14 +81,6 @@ constexpr PeerFormat kFormats[] = {
     {LoadFileFormat::TIHex, "txt", "-ti-txt", ""},
 };
 
-std::string hexNumber(uint64_t value) {
-  char text[24];
-  std::snprintf(text, sizeof text, "0x%llX", static_cast<unsigned long long>(value));
-  return text;
-}
-
-std::string Image::placed() const { return hexNumber(low()) + ":" + filled(); }
-
 // What our reader makes of a file: its start address, then the image with its gaps filled.
 std::string readFilled(LoadFileFormat format, const std::string& path) {
   auto file = loadLoadFile(format, path);
@@ -106,52 +89,41 @@ std::string readFilled(LoadFileFormat format, const std::string& path) {
   return hexNumber(section.address()) + ":" + std::string(reinterpret_cast<const char*>(section.data()), section.size());
 }
 
-TEST(PeerRoundTrip, SrecCatReadsWhatWeWrite) {
-  REGMILL_NEED_PEER("srec_cat");
-  for (const Image& image : images()) {
-    for (const PeerFormat& format : kFormats) {
-      SCOPED_TRACE(std::string(image.what) + " as " + format.extension);
-      ScratchFolder folder;
-      std::string ours = std::string("ours.") + format.extension;
-      auto buffer = makeCodeBuffer(format.format, folder.file(ours));
-      for (const Chunk& chunk : image.chunks) buffer->writeBytes(chunk.address, chunk.bytes.data(), chunk.bytes.size());
-      buffer->finish(0);
-      runPeer("srec_cat",
-              {ours, format.srecCatName, "-fill", "0xFF", hexNumber(image.low()), hexNumber(image.high()), "-offset",
-               "-" + hexNumber(image.low()), "-o", "peer.bin", "-binary"},
-              folder);
-      EXPECT_TRUE(folder.read("peer.bin") == image.filled());
-    }
-  }
-}
-
-// srec_cat is given each chunk as a binary file of its own, so that it writes the
-// gaps as gaps; objcopy, which takes one binary file, gets the first chunk alone.
-TEST(PeerRoundTrip, WeReadWhatSrecCatAndObjcopyWrite) {
+// srec_cat reads what we write, and we read what it writes. It is given each chunk
+// as a binary file of its own, so that it writes the gaps as gaps; objcopy, which
+// takes one binary file, gets the first chunk alone.
+TEST(PeerRoundTrip, EachImageInEachFormatBothWays) {
   REGMILL_NEED_PEER("srec_cat");
   REGMILL_NEED_PEER("objcopy");
-  for (const Image& image : images()) {
+  for (const Image& image : kImages) {
     for (const PeerFormat& format : kFormats) {
       SCOPED_TRACE(std::string(image.what) + " as " + format.extension);
       ScratchFolder folder;
+      auto buffer = makeCodeBuffer(format.format, folder.file("ours"));
       std::vector<std::string> arguments;
       for (size_t i = 0; i < image.chunks.size(); ++i) {
         const Chunk& chunk = image.chunks[i];
-        std::string name = "chunk" + std::to_string(i) + ".bin";
-        folder.write(name, std::string(chunk.bytes.begin(), chunk.bytes.end()));
+        buffer->writeBytes(chunk.address, reinterpret_cast<const uint8_t*>(chunk.bytes.data()), chunk.bytes.size());
+        std::string name = folder.write("chunk" + std::to_string(i) + ".bin", chunk.bytes);
         arguments.insert(arguments.end(), {name, "-binary", "-offset", hexNumber(chunk.address)});
       }
+      buffer->finish(0);
+      runPeer("srec_cat",
+              {"ours", format.srecCatName, "-fill", "0xFF", hexNumber(image.low()), hexNumber(image.high()), "-offset",
+               "-" + hexNumber(image.low()), "-o", "ours.bin", "-binary"},
+              folder);
+      EXPECT_TRUE(folder.read("ours.bin") == image.filled());
+
       arguments.insert(arguments.end(), {"-o", "srec_cat.out", format.srecCatName, "-disable=data-count"});
       runPeer("srec_cat", arguments, folder);
-      EXPECT_TRUE(readFilled(format.format, folder.file("srec_cat.out")) == image.placed());
+      EXPECT_TRUE(readFilled(format.format, folder.file("srec_cat.out")) == hexNumber(image.low()) + ":" + image.filled());
       if (*format.objcopyName == '\0') continue;
       runPeer("objcopy",
               {"-I", "binary", "-O", format.objcopyName, "--change-addresses", hexNumber(image.low()), "chunk0.bin",
                "objcopy.out"},
               folder);
-      const auto& first = image.chunks.front().bytes;
       EXPECT_TRUE(readFilled(format.format, folder.file("objcopy.out")) ==
-                  hexNumber(image.low()) + ":" + std::string(first.begin(), first.end()));
+                  hexNumber(image.low()) + ":" + image.chunks.front().bytes);
     }
   }
 }
@@ -176,8 +148,7 @@ TEST(PeerDifferences, IntelSegmentAndLinearAddressesAddUpWhereSrecCatKeepsTheLas
 TEST(PeerDifferences, AnS6CountFromSrecCatFailsAtItsLine) {
   REGMILL_NEED_PEER("srec_cat");
   ScratchFolder folder;
-  auto bytes = randomBytes(65536, 9);
-  folder.write("image.bin", std::string(bytes.begin(), bytes.end()));
+  folder.write("image.bin", randomBytes(65536, 9));
   runPeer("srec_cat", {"image.bin", "-binary", "-o", "peer.srec", "-motorola", "-obs=1"}, folder);
   // The header, 65536 records of one byte, then the count.
   EXPECT_EQ(testing::thrownText([&] { loadLoadFile(LoadFileFormat::SRecord, folder.file("peer.srec")); }),
