@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "base/hexception.h"
+#include "base/text.h"
 
 namespace regmill {
 
@@ -20,12 +21,7 @@ constexpr size_t kSectionOverhead = 128;
 // Value of a hexadecimal digit, 0xFF for any other byte.
 constexpr std::array<uint8_t, 256> kHexValue = [] {
   std::array<uint8_t, 256> table{};
-  table.fill(0xFF);
-  for (int c = 0; c < 10; ++c) table['0' + c] = static_cast<uint8_t>(c);
-  for (int c = 0; c < 6; ++c) {
-    table['a' + c] = static_cast<uint8_t>(10 + c);
-    table['A' + c] = static_cast<uint8_t>(10 + c);
-  }
+  for (int c = 0; c < 256; ++c) table[c] = isHexDigitByte(c) ? static_cast<uint8_t>(digitValue(c)) : 0xFF;
   return table;
 }();
 

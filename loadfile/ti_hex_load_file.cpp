@@ -1,4 +1,5 @@
 #include "base/hexception.h"
+#include "base/text.h"
 #include "loadfile/hex_load_files.h"
 #include "loadfile/record_reader.h"
 
@@ -14,12 +15,8 @@ constexpr size_t kLineBufferSize = 64;
 uint32_t addressLine(std::string_view line) {
   uint32_t address = 0;
   for (size_t i = 1; i < line.size() && static_cast<unsigned char>(line[i]) > ' '; ++i) {
-    char c = line[i];
-    uint32_t digit = c >= '0' && c <= '9'   ? uint32_t(c - '0')
-                     : c >= 'a' && c <= 'f' ? uint32_t(c - 'a' + 10)
-                     : c >= 'A' && c <= 'F' ? uint32_t(c - 'A' + 10)
-                                            : 0;
-    address = address << 4 | digit;
+    unsigned char c = static_cast<unsigned char>(line[i]);
+    address = address << 4 | (isHexDigitByte(c) ? digitValue(c) : 0);
   }
   return address;
 }

@@ -111,6 +111,7 @@ TEST(HexReaders, TITextFollowsAddressLinesAndEndsAtQ) {
       {"a trailing blank and a final line without its line feed", kTI, "@08000000\n01 02 \nq",
        "08000000: 01 02\n"},
       {"an address stops at a control character", kTI, "@10\t99\n01\nq\n", "00000010: 01\n"},
+      {"a character that is no digit counts as 0", kTI, "@1G\n01\nq\n", "00000010: 01\n"},
   });
 }
 
