@@ -4,8 +4,10 @@
 #include <charconv>
 #include <cstdint>
 #include <cstdio>
+#include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "base/hexception.h"
 #include "loadfile/load_file_formats.h"
