@@ -7,6 +7,10 @@ namespace loom {
 // One row per subcommand, in the order `loom help` lists them.
 constexpr Command kCommands[] = {
     {"help", "[COMMAND]", "List the commands, or show how to use one", runHelp},
+    {"hex", "(convert IN OUT | info IN) [OPTIONS]",
+     "Convert a load file or list its sections; options --from KIND, --to KIND (bin hex srec txt lst; "
+     "by default the extension), --fill BYTE, --address ADDR (of a binary input)",
+     runHex},
 };
 
 std::span<const Command> commands() { return kCommands; }
