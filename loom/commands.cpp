@@ -7,6 +7,8 @@ namespace loom {
 // One row per subcommand, in the order `loom help` lists them.
 constexpr Command kCommands[] = {
     {"help", "[COMMAND]", "List the commands, or show how to use one", runHelp},
+    {"pkg", "list|extract|create|fetch ...",
+     "List, extract or create a package archive, or fetch a file over HTTP", runPkg},
 };
 
 std::span<const Command> commands() { return kCommands; }
