@@ -82,9 +82,10 @@ void QHttpDownloader::abort() {
   if (reply_ && reply_->isRunning()) reply_->abort();
 }
 
+// The reply is aborted from the event loop, not inside its own header signal.
 void QHttpDownloader::failAttempt(const QString& text) {
   if (error_.isEmpty()) error_ = text;
-  if (reply_ && reply_->isRunning()) reply_->abort();
+  if (reply_ && reply_->isRunning()) QMetaObject::invokeMethod(reply_, &QNetworkReply::abort, Qt::QueuedConnection);
 }
 
 void QHttpDownloader::readHeader() {
@@ -143,7 +144,7 @@ void QHttpDownloader::readProgress(qint64 received, qint64 total) {
 void QHttpDownloader::readFinished() {
   if (!reply_) return;
   readHeader();
-  if (accepted_ && error_.isEmpty()) readData();
+  if (accepted_ && error_.isEmpty() && reply_->isOpen()) readData();
   if (!headerRead_ && error_.isEmpty()) error_ = reply_->errorString();
   if (error_.isEmpty() && reply_->error() != QNetworkReply::NoError) error_ = reply_->errorString();
   if (error_.isEmpty() && expected_ >= 0 && received_ != expected_)
