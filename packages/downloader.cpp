@@ -85,7 +85,10 @@ void QHttpDownloader::abort() {
 // The reply is aborted from the event loop, not inside its own header signal.
 void QHttpDownloader::failAttempt(const QString& text) {
   if (error_.isEmpty()) error_ = text;
-  if (reply_ && reply_->isRunning()) QMetaObject::invokeMethod(reply_, &QNetworkReply::abort, Qt::QueuedConnection);
+  if (!reply_) return;
+  QTimer::singleShot(0, reply_, [reply = reply_] {
+    if (reply->isRunning()) reply->abort();
+  });
 }
 
 void QHttpDownloader::readHeader() {
