@@ -45,5 +45,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
       archive.fileContents(archive.files().front().get());
   } catch (const regmill::HException&) {
   }
+  unlink(scratchPath().c_str());  // no file stays behind the run
   return 0;
 }
