@@ -7,11 +7,14 @@
 #include <QCoreApplication>
 #include <QEventLoop>
 #include <QFileInfo>
+#include <QNetworkProxy>
+#include <QNetworkReply>
 #include <QTimer>
 #include <random>
 
 #include "packages/download_texts.h"
 #include "packages/downloads_list.h"
+#include "packages/loom_network_access_manager.h"
 #include "tests/packages/http_test_server.h"
 #include "tests/support/scratch_folder.h"
 
@@ -140,6 +143,40 @@ TEST(Download, OverwriteReplacesOnlyAfterSuccessAndOtherwiseTheNameIsNumbered) {
   waitForAll(list);
   EXPECT_TRUE(failed->info().finished && replaced->info().error.isEmpty());
   EXPECT_EQ(fixture.folder.read("x.bin"), fixture.source);
+}
+
+// Gets the URL through the web views' manager and gives the body and content type.
+std::pair<std::string, std::string> get(LoomNetworkAccessManager& manager, const QString& url) {
+  QNetworkReply* reply = manager.get(QNetworkRequest(QUrl(url)));
+  QEventLoop loop;
+  QObject::connect(reply, &QNetworkReply::finished, &loop, &QEventLoop::quit);
+  QTimer::singleShot(20000, &loop, &QEventLoop::quit);
+  if (!reply->isFinished()) loop.exec();
+  QTimer::singleShot(0, &loop, &QEventLoop::quit);
+  loop.exec();  // the canned reply says finished from the event loop too
+  std::pair<std::string, std::string> result{reply->readAll().toStdString(),
+                                             reply->header(QNetworkRequest::ContentTypeHeader).toString().toStdString()};
+  delete reply;
+  return result;
+}
+
+TEST(LoomNetworkAccessManager, AnswersWithCannedHtmlOrRewritesTheUrl) {
+  Fixture fixture;
+  REGMILL_SKIP_WITHOUT_SERVER(fixture.server);
+  LoomNetworkAccessManager::clearRules();
+  LoomNetworkAccessManager::addContentRule("http://help/.*", "<p>\u00e9t\u00e9</p>");
+  LoomNetworkAccessManager::addContentRule("http://help/first", "never: the rule before answers");
+  LoomNetworkAccessManager::addRewriteRule("^http://packages\\.invalid/(.*)$",
+                                           QString::fromStdString(fixture.server.url("/file/")) + "\\1");
+  LoomNetworkAccessManager manager;
+  manager.setProxy(QNetworkProxy::NoProxy);
+  auto [body, type] = get(manager, "http://help/first");
+  EXPECT_EQ(body, "<p>\u00e9t\u00e9</p>");
+  EXPECT_EQ(type, "text/html");
+  EXPECT_EQ(get(manager, "http://packages.invalid/list.xml").first, fixture.source);
+  // Only a match of the whole text answers with HTML.
+  EXPECT_NE(get(manager, "http://127.0.0.1:1/x?http://help/").second, "text/html");
+  LoomNetworkAccessManager::clearRules();
 }
 
 TEST(DownloadTexts, TargetNamesTimeLeftAndProgressLine) {
