@@ -128,7 +128,7 @@ int fetch(Arguments arguments) {
       downloads.startDownload(url, arguments.size() == 2 ? qtText(arguments[1]) : QString("."), nullptr, 0);
   QObject::connect(row, &regmill::DownloadsListViewItem::progress, [row, terminal](const regmill::DownloadInfo& info) {
     if (!terminal || info.finished) return;
-    QString line = regmill::progressLine(info, row->elapsedMilliseconds(), row->bytesThisAttempt());
+    QString line = regmill::progressLine(info, row->elapsedMilliseconds());
     std::fprintf(stderr, "\r%s\033[K", line.toUtf8().constData());
   });
   QObject::connect(row, &regmill::DownloadsListViewItem::finished, &application, &QCoreApplication::quit,

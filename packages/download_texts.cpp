@@ -61,11 +61,11 @@ QString timeRemainingText(int64_t elapsedMilliseconds, int64_t done, int64_t tot
   return "1 minute remaining";
 }
 
-QString progressLine(const DownloadInfo& info, int64_t elapsedMilliseconds, int64_t bytesThisAttempt) {
+QString progressLine(const DownloadInfo& info, int64_t elapsedMilliseconds) {
   QString line = formatSize(info.done);
   if (info.total >= 0) line += " of " + formatSize(info.total);
   if (elapsedMilliseconds > 0)
-    line += ", " + formatSize(bytesThisAttempt * 1000 / elapsedMilliseconds) + "/s";
+    line += ", " + formatSize(int64_t(info.done) * 1000 / elapsedMilliseconds) + "/s";
   QString left = timeRemainingText(elapsedMilliseconds, info.done, info.total);
   if (!left.isEmpty()) line += ", " + left;
   return line;

@@ -21,7 +21,8 @@ QString formatSize(int64_t bytes);
 QString timeRemainingText(int64_t elapsedMilliseconds, int64_t done, int64_t total);
 
 // The progress line of a terminal: "12.0 MB of 50.0 MB, 3.1 MB/s, 1 minute remaining";
-// the parts that aren't known are left out.
-QString progressLine(const DownloadInfo& info, int64_t elapsedMilliseconds, int64_t bytesThisAttempt);
+// the parts that aren't known are left out. Rate and time left both count the bytes
+// since the download began over the time since then, as resumed attempts go on.
+QString progressLine(const DownloadInfo& info, int64_t elapsedMilliseconds);
 
 }  // namespace regmill

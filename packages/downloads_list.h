@@ -35,7 +35,6 @@ class DownloadsListViewItem : public QObject {
   const QString& timeText() const { return timeText_; }
   QString partialPath() const { return info_.file + ".part"; }
   int64_t elapsedMilliseconds() const { return clock_.isValid() ? clock_.elapsed() : 0; }
-  int64_t bytesThisAttempt() const { return int64_t(info_.done) - int64_t(info_.offset); }
   int retries() const { return retries_; }
 
  signals:
