@@ -113,9 +113,10 @@ class QHttpDownloader : public Downloader {
   QString error_;
 };
 
-// Both choices of the network library name the same engine here: the threaded one
-// stood for the platform's own HTTP stack, and on this platform the toolkit's
-// network classes are that stack.
+// Both choices of the network library name the same engine here. "Qt" chooses the
+// toolkit's HTTP engine; any other word chooses the Windows network library on a
+// worker thread of its own, which does not exist on Linux, where the toolkit's
+// network classes are the platform's HTTP stack. So both give a QHttpDownloader.
 std::unique_ptr<Downloader> createDownloader(const DownloadSettings& settings);
 
 }  // namespace regmill

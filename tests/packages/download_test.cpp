@@ -100,7 +100,9 @@ TEST(Download, EndsWithTheSourceOrAReportedFailureAndNoPartialFile) {
     }
     EXPECT_FALSE(QFileInfo::exists(row->partialPath()));
     // The cut-short ones needed a second attempt.
-    if (path.starts_with("/drop/") || path.starts_with("/norange/")) EXPECT_GE(row->retries(), 1);
+    if (path.starts_with("/drop/") || path.starts_with("/norange/")) {
+      EXPECT_GE(row->retries(), 1);
+    }
   }
   EXPECT_EQ(list.history().size(), 5);
 }
@@ -119,7 +121,9 @@ TEST(Download, ABodyShorterThanAnnouncedAndAStalledServerFailWithinBounds) {
   for (const auto& row : list.rows()) {
     // Each attempt at the short body brings half of what is left, so the retries
     // end only at their bound.
-    if (row->info().url.path().startsWith("/short/")) EXPECT_EQ(row->retries(), 3);
+    if (row->info().url.path().startsWith("/short/")) {
+      EXPECT_EQ(row->retries(), 3);
+    }
     EXPECT_FALSE(row->info().error.isEmpty());
     EXPECT_FALSE(QFileInfo::exists(row->info().file));
     EXPECT_FALSE(QFileInfo::exists(row->partialPath()));

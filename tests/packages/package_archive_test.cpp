@@ -220,7 +220,9 @@ TEST(PackageArchive, ReadsTheRawFormAndReportsDamagedInputWithItsMessages) {
         for (const auto& file : archive.files()) archive.fileContents(file.get());
       });
       EXPECT_TRUE(expected.count(message)) << "cut at " << cut << ": " << message;
-      if (cut + 16 < bytes.size()) EXPECT_NE(message, "<no error>") << "cut at " << cut;
+      if (cut + 16 < bytes.size()) {
+        EXPECT_NE(message, "<no error>") << "cut at " << cut;
+      }
     }
   }
 }
