@@ -38,6 +38,18 @@ void DownloadsListViewItem::start() {
   engine_->start(info_.url, 0);
   log(QStringLiteral("download: %1").arg(info_.url.toString()));
   running_ = true;
+  started_ = true;
+}
+
+void DownloadsListViewItem::failToStart(const QString& text) {
+  queued_ = false;
+  info_.finished = true;
+  info_.error = text;
+  QTimer::singleShot(0, this, [this] {
+    emit progress(info_);
+    emit finished(info_);
+    emit error(info_);
+  });
 }
 
 // The partial file is opened for each block and closed again, so that a crash keeps
@@ -176,6 +188,7 @@ void DownloadsListView::rowFinished(DownloadsListViewItem* row) {
     history_.append(each->info().url.toString() + "," + each->info().file + "," + each->info().note);
     if (history_.size() == settings_.maximumHistory) break;
   }
+  if (!row->wasStarted()) return;  // it never held one of the places
   if (running_ == kMaximumRunning) {
     for (const auto& each : rows_) {
       if (!each->isQueued()) continue;
@@ -183,9 +196,9 @@ void DownloadsListView::rowFinished(DownloadsListViewItem* row) {
       try {
         each->start();
         return;  // one ended, one starts: the count stays
-      } catch (const HException&) {
+      } catch (const HException& failure) {
         // Its partial file can't be made: it ends here and the next one gets the place.
-        continue;
+        each->failToStart(QString::fromStdString(failure.text()));
       }
     }
   }

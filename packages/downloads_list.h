@@ -24,6 +24,9 @@ class DownloadsListViewItem : public QObject {
   // Empties the partial file and starts the first attempt. Throws HException when
   // the partial file can't be opened.
   void start();
+  // A queued download whose partial file can't be made ends at once with `text`.
+  void failToStart(const QString& text);
+  bool wasStarted() const { return started_; }
 
   const DownloadInfo& info() const { return info_; }
   bool isRunning() const { return running_; }
@@ -58,6 +61,7 @@ class DownloadsListViewItem : public QObject {
   bool running_ = false;
   bool queued_ = false;
   bool gotData_ = false;
+  bool started_ = false;
   int retries_ = 0;
   int height_ = 48;
   QString statusText_;

@@ -130,6 +130,25 @@ TEST(Download, ABodyShorterThanAnnouncedAndAStalledServerFailWithinBounds) {
   }
 }
 
+TEST(Download, AQueuedDownloadThatCannotMakeItsPartialFileEndsWithThatFailure) {
+  Fixture fixture;
+  REGMILL_SKIP_WITHOUT_SERVER(fixture.server);
+  DownloadSettings settings;
+  settings.transferTimeoutMilliseconds = 300;
+  DownloadsListView list(settings);
+  QString running = QString::fromStdString(fixture.folder.file("running"));
+  QString gone = QString::fromStdString(fixture.folder.file("gone"));
+  for (int i = 0; i < 4; ++i)
+    list.startDownload(QUrl(QString::fromStdString(fixture.server.url("/stall/" + std::to_string(i)))), running,
+                       nullptr, 0);
+  auto* queued = list.startDownload(QUrl(QString::fromStdString(fixture.server.url("/file/q.bin"))), gone, nullptr, 0);
+  std::filesystem::remove(gone.toStdString());
+  fixture.folder.write("gone", "a file where the folder was");
+  waitForAll(list);
+  EXPECT_EQ(queued->info().error.toStdString(), "cannot open " + gone.toStdString() + "/q.bin.part for writing");
+  EXPECT_EQ(list.runningCount(), 0);
+}
+
 TEST(Download, OverwriteReplacesOnlyAfterSuccessAndOtherwiseTheNameIsNumbered) {
   Fixture fixture;
   REGMILL_SKIP_WITHOUT_SERVER(fixture.server);
