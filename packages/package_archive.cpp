@@ -8,6 +8,7 @@
 #include <QFileInfo>
 #include <algorithm>
 #include <cerrno>
+#include <cstring>
 
 #include "base/atomic_file.h"
 #include "base/hexception.h"
