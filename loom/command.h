@@ -24,5 +24,6 @@ int fail(std::string_view text);
 
 int runHelp(Arguments arguments);
 int runHex(Arguments arguments);
+int runPkg(Arguments arguments);
 
 }  // namespace loom

@@ -11,6 +11,8 @@ constexpr Command kCommands[] = {
      "Convert a load file or list its sections; options --from KIND, --to KIND (bin hex srec txt lst; "
      "by default the extension), --fill BYTE, --address ADDR (of a binary input)",
      runHex},
+    {"pkg", "list|extract|create|fetch ...",
+     "List, extract or create a package archive, or fetch a file over HTTP", runPkg},
 };
 
 std::span<const Command> commands() { return kCommands; }
