@@ -7,6 +7,8 @@ namespace loom {
 // One row per subcommand, in the order `loom help` lists them.
 constexpr Command kCommands[] = {
     {"help", "[COMMAND]", "List the commands, or show how to use one", runHelp},
+    {"script", "FILE [FILE...]", "Run script files in one context, with print(...) writing lines to stdout",
+     runScript},
 };
 
 std::span<const Command> commands() { return kCommands; }
