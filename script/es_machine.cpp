@@ -420,6 +420,10 @@ void ESContext::leaveWith() {
   } while (0)
 #define TOP (sp_[-1])
 
+// ToBoolean without a call for the values tests meet most.
+#define truth(value) \
+  ((value).tag == ESTag::Boolean || (value).tag == ESTag::Number ? (value).number != 0.0 : toBoolean(value))
+
 ESValue ESContext::execute(const ESCode& code) {
   const ESCode* savedCode = currentCode_;
   const uint8_t* savedPc = currentPc_;
@@ -439,10 +443,124 @@ ESValue ESContext::execute(const ESCode& code) {
   const double* numbers = code.numbers.data();
   ESEngine& engine = *engine_;
   ESValue* const frameBase = sp_;
+  // The frame's registers do not change while its code runs: calls restore them.
+  ESValue* const arguments = arguments_;
+  ESValue* const locals = arguments_ + argumentCount_;
+  ESObject* const activation = activation_;
+  const size_t localBase = size_t(argumentCount_);
   auto stoppedValue = [&]() { return sp_ > frameBase ? sp_[-1] : ESValue(); };
-  if (polling_ && !poll()) return stoppedValue();
+  const bool polls = polling_;
+  if (polls && !poll()) return stoppedValue();
+  ESValue* sp = sp_;  // the stack pointer of the fast path, kept in a register
 
   for (;;) {
+    // The fast path: instructions on numbers and variables that can neither fail
+    // nor call out. Anything else, or a fast instruction on other values, takes the
+    // general path below with the machine's registers in the context.
+    switch (Op(*pc)) {
+#define FAST_PUSH(v)                          \
+  if (sp >= stackLimit_) goto general;        \
+  *sp++ = (v)
+      case Op::NUM_0: FAST_PUSH(ESValue::fromNumber(0)); pc += 1; goto next;
+      case Op::NUM_1: FAST_PUSH(ESValue::fromNumber(1)); pc += 1; goto next;
+      case Op::NUM_2: FAST_PUSH(ESValue::fromNumber(2)); pc += 1; goto next;
+      case Op::NUM: FAST_PUSH(ESValue::fromNumber(numbers[operandAt(pc + 1)])); pc += 3; goto next;
+      case Op::GETA: FAST_PUSH(arguments[operandAt(pc + 1)]); pc += 3; goto next;
+      case Op::GETL: FAST_PUSH(locals[operandAt(pc + 1)]); pc += 3; goto next;
+      case Op::GETAM: FAST_PUSH(activation->slot(operandAt(pc + 1)).value); pc += 3; goto next;
+      case Op::GETLM: FAST_PUSH(activation->slot(localBase + operandAt(pc + 1)).value); pc += 3; goto next;
+      case Op::GETG: FAST_PUSH(global_->slot(operandAt(pc + 1)).value); pc += 3; goto next;
+      case Op::PUTA: arguments[operandAt(pc + 1)] = *--sp; pc += 3; goto next;
+      case Op::PUTL: locals[operandAt(pc + 1)] = *--sp; pc += 3; goto next;
+      case Op::PUTAM: activation->slot(operandAt(pc + 1)).value = *--sp; pc += 3; goto next;
+      case Op::PUTLM: activation->slot(localBase + operandAt(pc + 1)).value = *--sp; pc += 3; goto next;
+      case Op::PUTG: global_->slot(operandAt(pc + 1)).value = *--sp; pc += 3; goto next;
+      case Op::DROP: --sp; pc += 1; goto next;
+      case Op::DUP: {
+        ESValue top = sp[-1];
+        FAST_PUSH(top);
+        pc += 1;
+        goto next;
+      }
+      case Op::NUM_3: FAST_PUSH(ESValue::fromNumber(3)); pc += 1; goto next;
+      case Op::NUM_4: FAST_PUSH(ESValue::fromNumber(4)); pc += 1; goto next;
+      case Op::NUM_M1: FAST_PUSH(ESValue::fromNumber(-1)); pc += 1; goto next;
+      case Op::TRUE_: FAST_PUSH(ESValue::boolean(true)); pc += 1; goto next;
+      case Op::FALSE_: FAST_PUSH(ESValue::boolean(false)); pc += 1; goto next;
+      case Op::UNDEFINED: FAST_PUSH(ESValue()); pc += 1; goto next;
+#undef FAST_PUSH
+#define FAST_ARITHMETIC(operator_)                                         \
+  if (!sp[-2].isNumber() || !sp[-1].isNumber()) goto general;              \
+  sp[-2].number = sp[-2].number operator_ sp[-1].number;                   \
+  --sp;                                                                    \
+  pc += 1;                                                                 \
+  goto next
+      case Op::ADD: FAST_ARITHMETIC(+);
+      case Op::SUB: FAST_ARITHMETIC(-);
+      case Op::MUL: FAST_ARITHMETIC(*);
+      case Op::DIV: FAST_ARITHMETIC(/);
+#undef FAST_ARITHMETIC
+      case Op::LT:
+      case Op::LE: {
+        ESValue left = sp[-2], right = sp[-1];
+        if (!left.isNumber() || !right.isNumber() || std::isnan(left.number) || std::isnan(right.number))
+          goto general;
+        sp[-2] = ESValue::boolean(*pc == uint8_t(Op::LT) ? left.number < right.number : left.number <= right.number);
+        --sp;
+        pc += 1;
+        goto next;
+      }
+      case Op::EQ:
+      case Op::NE: {
+        ESValue left = sp[-2], right = sp[-1];
+        if (!left.isNumber() || !right.isNumber()) goto general;
+        sp[-2] = ESValue::boolean((left.number == right.number) == (*pc == uint8_t(Op::EQ)));
+        --sp;
+        pc += 1;
+        goto next;
+      }
+      case Op::JLT: {
+        ESValue left = sp[-2], right = sp[-1];
+        if (!left.isNumber() || !right.isNumber()) goto general;
+        sp -= 2;
+        pc = left.number < right.number ? start + operandAt(pc + 1) : pc + 3;
+        goto next;
+      }
+      case Op::J: pc = start + operandAt(pc + 1); goto next;
+      case Op::JT:
+      case Op::JF: {
+        ESValue test = sp[-1];
+        if (test.tag != ESTag::Boolean && test.tag != ESTag::Number) goto general;
+        --sp;
+        pc = (test.number != 0.0) == (*pc == uint8_t(Op::JT)) ? start + operandAt(pc + 1) : pc + 3;
+        goto next;
+      }
+      case Op::LOGAND:
+      case Op::LOGOR: {
+        ESValue test = sp[-1];
+        if (test.tag != ESTag::Boolean && test.tag != ESTag::Number) goto general;
+        if ((test.number != 0.0) == (*pc == uint8_t(Op::LOGOR))) {
+          pc = start + operandAt(pc + 1);
+        } else {
+          --sp;
+          pc += 3;
+        }
+        goto next;
+      }
+      case Op::INCL:
+      case Op::DECL: {
+        ESValue& variable = locals[operandAt(pc + 1)];
+        if (!variable.isNumber()) goto general;
+        variable.number += *pc == uint8_t(Op::INCL) ? 1 : -1;
+        pc += 3;
+        goto next;
+      }
+      default:
+        goto general;
+    }
+  general:
+    sp_ = sp;
+    {
     currentPc_ = pc;
     const Op op = Op(*pc++);
     switch (op) {
@@ -477,7 +595,11 @@ ESValue ESContext::execute(const ESCode& code) {
         break;
       }
       case Op::DROP: --sp_; break;
-      case Op::DUP: PUSH(TOP); break;
+      case Op::DUP: {
+        ESValue top = TOP;
+        PUSH(top);
+        break;
+      }
       case Op::VOID: TOP = ESValue(); break;
       case Op::TYPEOF: TOP = ESValue::fromAtom(engine.intern(typeOf(TOP))); break;
       case Op::ENUM: TOP = ESValue::fromObject(makeEnumerator(TOP)); break;
@@ -549,10 +671,10 @@ ESValue ESContext::execute(const ESCode& code) {
         uint32_t slot = operandAt(pc);
         int32_t count = int32_t(operandAt(pc + 2));
         pc += 4;
-        ESValue callee = op == Op::CALLA    ? arguments_[slot]
-                         : op == Op::CALLL  ? arguments_[argumentCount_ + int32_t(slot)]
-                         : op == Op::CALLAM ? activation_->slot(slot).value
-                                            : activation_->slot(size_t(argumentCount_) + slot).value;
+        ESValue callee = op == Op::CALLA    ? arguments[slot]
+                         : op == Op::CALLL  ? locals[slot]
+                         : op == Op::CALLAM ? activation->slot(slot).value
+                                            : activation->slot(localBase + slot).value;
         callValue(callee, global_, count);
         break;
       }
@@ -592,19 +714,19 @@ ESValue ESContext::execute(const ESCode& code) {
         pc += 2;
         break;
       case Op::GETA:
-        PUSH(arguments_[operandAt(pc)]);
+        PUSH(arguments[operandAt(pc)]);
         pc += 2;
         break;
       case Op::GETL:
-        PUSH(arguments_[argumentCount_ + int32_t(operandAt(pc))]);
+        PUSH(locals[operandAt(pc)]);
         pc += 2;
         break;
       case Op::GETAM:
-        PUSH(activation_->slot(operandAt(pc)).value);
+        PUSH(activation->slot(operandAt(pc)).value);
         pc += 2;
         break;
       case Op::GETLM:
-        PUSH(activation_->slot(size_t(argumentCount_) + operandAt(pc)).value);
+        PUSH(activation->slot(localBase + operandAt(pc)).value);
         pc += 2;
         break;
       case Op::GETX: {
@@ -635,19 +757,19 @@ ESValue ESContext::execute(const ESCode& code) {
         pc += 2;
         break;
       case Op::PUTA:
-        arguments_[operandAt(pc)] = *--sp_;
+        arguments[operandAt(pc)] = *--sp_;
         pc += 2;
         break;
       case Op::PUTL:
-        arguments_[argumentCount_ + int32_t(operandAt(pc))] = *--sp_;
+        locals[operandAt(pc)] = *--sp_;
         pc += 2;
         break;
       case Op::PUTAM:
-        activation_->slot(operandAt(pc)).value = *--sp_;
+        activation->slot(operandAt(pc)).value = *--sp_;
         pc += 2;
         break;
       case Op::PUTLM:
-        activation_->slot(size_t(argumentCount_) + operandAt(pc)).value = *--sp_;
+        activation->slot(localBase + operandAt(pc)).value = *--sp_;
         pc += 2;
         break;
       case Op::PUTX: {
@@ -681,6 +803,12 @@ ESValue ESContext::execute(const ESCode& code) {
         --sp_;
         break;
       case Op::DIV:
+        if (sp_[-2].isNumber() && TOP.isNumber())
+          sp_[-2].number /= TOP.number;
+        else
+          sp_[-2] = arithmetic(op, sp_[-2], TOP);
+        --sp_;
+        break;
       case Op::MOD:
       case Op::BITAND:
       case Op::BITOR:
@@ -722,14 +850,14 @@ ESValue ESContext::execute(const ESCode& code) {
       }
       case Op::INCA:
       case Op::DECA: {
-        ESValue& variable = arguments_[operandAt(pc)];
+        ESValue& variable = arguments[operandAt(pc)];
         variable = ESValue::fromNumber(toNumber(variable) + (op == Op::INCA ? 1 : -1));
         pc += 2;
         break;
       }
       case Op::INCL:
       case Op::DECL: {
-        ESValue& variable = arguments_[argumentCount_ + int32_t(operandAt(pc))];
+        ESValue& variable = locals[operandAt(pc)];
         if (variable.isNumber())
           variable.number += op == Op::INCL ? 1 : -1;
         else
@@ -739,14 +867,14 @@ ESValue ESContext::execute(const ESCode& code) {
       }
       case Op::INCM:
       case Op::DECAM: {
-        ESValue& variable = activation_->slot(operandAt(pc)).value;
+        ESValue& variable = activation->slot(operandAt(pc)).value;
         variable = ESValue::fromNumber(toNumber(variable) + (op == Op::INCM ? 1 : -1));
         pc += 2;
         break;
       }
       case Op::INCLM:
       case Op::DECLM: {
-        ESValue& variable = activation_->slot(size_t(argumentCount_) + operandAt(pc)).value;
+        ESValue& variable = activation->slot(localBase + operandAt(pc)).value;
         variable = ESValue::fromNumber(toNumber(variable) + (op == Op::INCLM ? 1 : -1));
         pc += 2;
         break;
@@ -785,7 +913,10 @@ ESValue ESContext::execute(const ESCode& code) {
 
       case Op::LT:
       case Op::LE:
-        sp_[-2] = compare(sp_[-2], TOP, op == Op::LE);
+        if (sp_[-2].isNumber() && TOP.isNumber() && !std::isnan(sp_[-2].number) && !std::isnan(TOP.number))
+          sp_[-2] = ESValue::boolean(op == Op::LT ? sp_[-2].number < TOP.number : sp_[-2].number <= TOP.number);
+        else
+          sp_[-2] = compare(sp_[-2], TOP, op == Op::LE);
         --sp_;
         break;
       case Op::EQ:
@@ -807,7 +938,7 @@ ESValue ESContext::execute(const ESCode& code) {
       case Op::POS: TOP = ESValue::fromNumber(toNumber(TOP)); break;
       case Op::NEG: TOP = ESValue::fromNumber(-toNumber(TOP)); break;
       case Op::LOGAND:
-        if (!toBoolean(TOP)) {
+        if (!truth(TOP)) {
           pc = start + operandAt(pc);
         } else {
           --sp_;
@@ -815,7 +946,7 @@ ESValue ESContext::execute(const ESCode& code) {
         }
         break;
       case Op::LOGOR:
-        if (toBoolean(TOP)) {
+        if (truth(TOP)) {
           pc = start + operandAt(pc);
         } else {
           --sp_;
@@ -826,12 +957,11 @@ ESValue ESContext::execute(const ESCode& code) {
       case Op::JT:
       case Op::JF: {
         ESValue test = *--sp_;
-        bool truth = test.tag == ESTag::Boolean ? test.number != 0.0 : toBoolean(test);
-        pc = truth == (op == Op::JT) ? start + operandAt(pc) : pc + 2;
+        pc = truth(test) == (op == Op::JT) ? start + operandAt(pc) : pc + 2;
         break;
       }
       case Op::JT_DROP:
-        if (toBoolean(TOP)) {
+        if (truth(TOP)) {
           sp_ -= 2;
           pc = start + operandAt(pc);
         } else {
@@ -857,11 +987,18 @@ ESValue ESContext::execute(const ESCode& code) {
       default:
         raiseTypeError(QStringLiteral("??"));
     }
-    if (polling_ && !poll()) return stoppedValue();
+    }
+    sp = sp_;
+  next:
+    if (polls) {
+      sp_ = sp;
+      if (!poll()) return stoppedValue();
+    }
   }
 }
 
 #undef PUSH
 #undef TOP
+#undef truth
 
 }  // namespace regmill::script
