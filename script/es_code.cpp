@@ -78,11 +78,10 @@ QString disassemble(const ESCode& code, const ESEngine& engine, const ESObject* 
     const OpInfo& info = kOps[byte];
     out += QString::fromLatin1(info.mnemonic);
     ++pc;
-    for (int i = 0; i < info.operandCount && pc + 1 < code.bytes.size() + 1; ++i) {
-      if (pc + 2 > code.bytes.size()) break;
+    for (int i = 0; i < info.operandCount && pc + 2 <= code.bytes.size(); ++i) {
       uint32_t operand = (uint32_t(code.bytes[pc]) << 8) | code.bytes[pc + 1];
       pc += 2;
-      if (i == 0)
+      if (i == 0 && info.first != K::Count)
         out += QLatin1Char('\t') + operandText(info.first, operand, code, engine, global);
       else
         out += QStringLiteral(", #%1").arg(operand);
