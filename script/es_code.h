@@ -4,6 +4,7 @@
 #pragma once
 #include <QString>
 #include <cstdint>
+#include <unordered_map>
 #include <vector>
 
 #include "script/es_value.h"
@@ -46,6 +47,11 @@ struct ESCode {
   bool needsActivation = false;
   // Names and attributes: formal parameters first, then locals, in order of declaration.
   std::vector<ESProperty> variables;
+
+  // Compile time only: where each name and each number stands in the tables
+  // above, so that a large block compiles in linear time.
+  std::unordered_map<const ESAtom*, uint32_t> variableIndex;
+  std::unordered_map<uint64_t, uint32_t> numberIndex;  // by the double's bit pattern
 };
 
 // The listing of a block: "%04x:  " and the mnemonic, a tab and the operands. The

@@ -4,12 +4,15 @@
 #include <cmath>
 #include <cctype>
 #include <cstdlib>
+#include <sys/mman.h>
 
 #include "script/es_compiler.h"
 
 namespace regmill::script {
 
 namespace {
+
+constexpr size_t kStackBytes = size_t(ESContext::kStackSize) * sizeof(ESValue);
 
 // Arrays keep `length` one past their highest index; a `length` store takes ToUint32.
 class ArrayClass : public ESClass {
@@ -52,13 +55,17 @@ class ErrorTypeClass : public ESClass {
 ESContext::ESContext(std::shared_ptr<ESEngine> engine)
     : engine_(engine ? std::move(engine) : std::make_shared<ESEngine>()) {}
 
-ESContext::~ESContext() { std::free(stack_); }
+ESContext::~ESContext() {
+  if (stack_ != nullptr) munmap(stack_, kStackBytes);
+}
 
 void ESContext::setUp() {
   if (stack_ != nullptr) return;
-  // calloc: zero bits are the undefined value, and untouched pages cost no memory.
-  stack_ = static_cast<ESValue*>(std::calloc(size_t(kStackSize), sizeof(ESValue)));
-  if (stack_ == nullptr) throw std::bad_alloc();
+  // Mapped pages read as zero bits, which are the undefined value, and cost no
+  // memory until a script reaches them.
+  void* pages = mmap(nullptr, kStackBytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+  if (pages == MAP_FAILED) throw std::bad_alloc();
+  stack_ = static_cast<ESValue*>(pages);
   sp_ = stack_;
   stackLimit_ = stack_ + kStackSize - 4096;  // the rest is room to build the overflow's error
   createClassesAndPrototypes();

@@ -130,6 +130,9 @@ class ESContext {
   // stack, and script calls nested in native recursion.
   static constexpr int32_t kStackSize = 1048576;
   static constexpr int32_t kMaxCallDepth = 2000;
+  // Strings are interned for ever, so a doubling loop would exhaust memory within
+  // a few dozen steps; a longer concatenation is a RangeError.
+  static constexpr qsizetype kMaxStringLength = qsizetype(1) << 24;
 
  protected:
   // A subclass that overrides poll turns polling on; without it the machine skips

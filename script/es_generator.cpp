@@ -1,6 +1,7 @@
 #include "script/es_generator.h"
 
 #include <cmath>
+#include <cstring>
 
 #include "script/es_context.h"
 #include "script/es_lexer.h"
@@ -124,18 +125,17 @@ ESGenerator::Resolved ESGenerator::resolve(ESAtom* name) {
     return {Place::ByName, 0};
   }
   if (function_ != nullptr) {
-    const auto& variables = code_->variables;
-    for (size_t i = 0; i < variables.size(); ++i) {
-      if (variables[i].name != name) continue;
-      if (variables[i].attributes & ESAttribute::Parameter) return {Place::Argument, uint32_t(i)};
-      return {Place::Local, uint32_t(i) - uint32_t(code_->paramCount)};
+    auto found = code_->variableIndex.find(name);
+    if (found != code_->variableIndex.end()) {
+      uint32_t i = found->second;
+      if (code_->variables[i].attributes & ESAttribute::Parameter) return {Place::Argument, i};
+      return {Place::Local, i - uint32_t(code_->paramCount)};
     }
     for (ESNode* outer = function_->enclosing; outer != nullptr; outer = outer->enclosing)
-      for (const ESProperty& entry : outer->code->variables)
-        if (entry.name == name) {
-          markNeedsActivation(function_);
-          return {Place::ByName, 0};
-        }
+      if (outer->code->variableIndex.count(name) != 0) {
+        markNeedsActivation(function_);
+        return {Place::ByName, 0};
+      }
   }
   // Every free name becomes a global slot at compile time.
   ESObject* global = context_.global();
@@ -224,13 +224,13 @@ void ESGenerator::number(double value) {
   if (value == 3) return write(Op::NUM_3);
   if (value == 4) return write(Op::NUM_4);
   if (value == -1) return write(Op::NUM_M1);
-  auto& numbers = code_->numbers;
-  size_t index = 0;
-  while (index < numbers.size() && !(numbers[index] == value && std::signbit(numbers[index]) == std::signbit(value)))
-    ++index;
-  if (index == numbers.size()) numbers.push_back(value);
+  // Equal constants share an entry; 0 and -0 are told apart by their bits.
+  uint64_t bits;
+  std::memcpy(&bits, &value, sizeof bits);
+  auto [entry, added] = code_->numberIndex.emplace(bits, uint32_t(code_->numbers.size()));
+  if (added) code_->numbers.push_back(value);
   write(Op::NUM);
-  emitOperand(uint32_t(index), "number constants");
+  emitOperand(entry->second, "number constants");
 }
 
 // ---- Statements ----

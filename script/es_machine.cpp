@@ -215,8 +215,11 @@ void ESContext::constructValue(ESValue callee, int32_t argumentCount) {
 ESValue ESContext::add(ESValue left, ESValue right) {
   left = toPrimitive(left, ESTag::None);
   right = toPrimitive(right, ESTag::None);
-  if (left.isString() || right.isString())
-    return ESValue::fromAtom(engine_->intern(toString(left) + toString(right)));
+  if (left.isString() || right.isString()) {
+    QString leftText = toString(left), rightText = toString(right);
+    if (leftText.size() + rightText.size() > kMaxStringLength) raiseRangeError(QStringLiteral("string too long"));
+    return ESValue::fromAtom(engine_->intern(leftText + rightText));
+  }
   return ESValue::fromNumber(toNumber(left) + toNumber(right));
 }
 

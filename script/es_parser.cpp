@@ -43,11 +43,15 @@ ESParser::ESParser(ESContext& context, const QString& source, ESCode& program)
 
 void ESParser::declare(ESContext& context, ESCode& code, bool topLevel, ESAtom* name, uint32_t attributes,
                        bool replace) {
-  for (ESProperty& entry : code.variables) {
-    if (entry.name != name) continue;
+  auto found = code.variableIndex.find(name);
+  if (found != code.variableIndex.end()) {
     if (!replace) return;
-    entry.name = context.engine().freshName();
-    break;
+    ESProperty& older = code.variables[found->second];
+    older.name = context.engine().freshName();
+    code.variableIndex.emplace(older.name, found->second);
+    found->second = uint32_t(code.variables.size());
+  } else {
+    code.variableIndex.emplace(name, uint32_t(code.variables.size()));
   }
   code.variables.push_back(ESProperty{name, attributes, ESValue()});
   if (attributes & ESAttribute::Parameter) ++code.paramCount;

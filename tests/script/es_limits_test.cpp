@@ -73,6 +73,13 @@ TEST(ESLimits, CodeBeyondSixteenBitPositionsIsAFatalCompilerError) {
   EXPECT_THROW(runner.run(source), ESFatalError);
 }
 
+TEST(ESLimits, StringsStopGrowingAtTheirBound) {
+  // Every string is interned for ever: a doubling loop is stopped before it exhausts memory.
+  ScriptRunner runner;
+  EXPECT_EQ(runner.run("var s = 'x';\nwhile (1) s = s + s;"), "RangeError: string too long @ 2");
+  EXPECT_EQ(runner.run("s.length == undefined"), "boolean true");  // no native String methods yet
+}
+
 TEST(ESLimits, AStepBudgetEndsAnEndlessScriptQuietly) {
   ScriptRunner runner;
   runner.context().setStepBudget(100000);
