@@ -154,20 +154,17 @@ ESObject* ESContext::allocate() {
   return object;
 }
 
-void ESContext::releaseScopeLink(ESObject* link) {
+void ESContext::recycle(ESObject* record) {
   // A record back on the free list is emptied but keeps its slot storage for reuse.
-  for (ESObject* record : {link->value.object, link}) {
-    if (record == nullptr) continue;
-    record->prototype = nullptr;
-    record->value = ESValue();
-    record->call = record->construct = nullptr;
-    record->klass = nullptr;
-    record->builtinId = -1;
-    record->captured = false;
-    record->resetSlots(0);
-    record->nextFree = freeObjects_;
-    freeObjects_ = record;
-  }
+  record->prototype = nullptr;
+  record->value = ESValue();
+  record->call = record->construct = nullptr;
+  record->klass = nullptr;
+  record->builtinId = -1;
+  record->captured = false;
+  record->resetSlots(0);
+  record->nextFree = freeObjects_;
+  freeObjects_ = record;
 }
 
 ESObject* ESContext::newObject(ESObject* prototype, ESClass* klass) {
@@ -266,6 +263,7 @@ void ESContext::resetMachine() {
 }
 
 std::unique_ptr<ESCode> ESContext::compileProgram(const QString& fileName, const QString& source) {
+  setUp();  // does nothing when done
   fileName_ = fileName;
   source_ = source;
   ESCompiler compiler(*this);

@@ -146,7 +146,7 @@ class ESContext {
   void createClassesAndPrototypes();
   void createGlobals();
   ESValue defaultValue(ESObject* object, ESTag hint);
-  void releaseScopeLink(ESObject* link);
+  void recycle(ESObject* record);
   void resetMachine();
 
   // The machine (es_machine.cpp).

@@ -144,30 +144,21 @@ ESGenerator::Resolved ESGenerator::resolve(ESAtom* name) {
   return {Place::Global, uint32_t(slot)};
 }
 
-void ESGenerator::load(ESAtom* name) {
+// The instruction that reads (or writes) a variable at its place; the activation
+// forms when the block keeps its variables in an activation object.
+void ESGenerator::variable(ESAtom* name, bool write) {
   Resolved where = resolve(name);
   bool inActivation = code_->needsActivation;
   switch (where.place) {
-    case Place::Argument: write(inActivation ? Op::GETAM : Op::GETA); break;
-    case Place::Local: write(inActivation ? Op::GETLM : Op::GETL); break;
-    case Place::Global: write(Op::GETG); break;
+    case Place::Argument:
+      this->write(write ? (inActivation ? Op::PUTAM : Op::PUTA) : (inActivation ? Op::GETAM : Op::GETA));
+      break;
+    case Place::Local:
+      this->write(write ? (inActivation ? Op::PUTLM : Op::PUTL) : (inActivation ? Op::GETLM : Op::GETL));
+      break;
+    case Place::Global: this->write(write ? Op::PUTG : Op::GETG); break;
     case Place::ByName:
-      write(Op::GETW);
-      emitOperand(name->index, "names");
-      return;
-  }
-  emitOperand(where.number, where.place == Place::Global ? "global variables" : "variables");
-}
-
-void ESGenerator::store(ESAtom* name) {
-  Resolved where = resolve(name);
-  bool inActivation = code_->needsActivation;
-  switch (where.place) {
-    case Place::Argument: write(inActivation ? Op::PUTAM : Op::PUTA); break;
-    case Place::Local: write(inActivation ? Op::PUTLM : Op::PUTL); break;
-    case Place::Global: write(Op::PUTG); break;
-    case Place::ByName:
-      write(Op::PUTW);
+      this->write(write ? Op::PUTW : Op::GETW);
       emitOperand(name->index, "names");
       return;
   }
@@ -365,7 +356,7 @@ void ESGenerator::forIn(const ESNode& node, Statement& entry) {
                     false);
   expression(*node.child[1], true);
   write(Op::ENUM);
-  store(hidden);
+  variable(hidden, true);
   int toTest = -1;
   emitJump(Op::J, toTest);
   int bodyStart = position();
@@ -373,7 +364,7 @@ void ESGenerator::forIn(const ESNode& node, Statement& entry) {
   statement(*node.child[2], false);
   patch(entry.continueChain, position());
   patch(toTest, position());
-  load(hidden);
+  variable(hidden, false);
   emitJumpTo(Op::NEXT, bodyStart);
 }
 
@@ -442,7 +433,7 @@ void ESGenerator::expression(const ESNode& node, bool wanted) {
       write(Op::STR);
       emitOperand(node.name->index, "names");
       break;
-    case Token::Identifier: load(node.name); break;
+    case Token::Identifier: variable(node.name, false); break;
     case Token::This: write(Op::THIS); break;
     case Token::True: write(Op::TRUE_); break;
     case Token::False: write(Op::FALSE_); break;
@@ -583,7 +574,7 @@ void ESGenerator::assignment(const ESNode& target, const ESNode& value, bool wan
       expression(value, true);
       if (wanted) write(Op::DUP);
       line_ = target.line;
-      store(target.name);
+      variable(target.name, true);
       return;
     case Token::Member:
       expression(value, true);
@@ -607,35 +598,23 @@ void ESGenerator::assignment(const ESNode& target, const ESNode& value, bool wan
 void ESGenerator::compoundAssignment(int kind, const ESNode& target, const ESNode& value, bool wanted) {
   Op op = binaryOp(kind);
   if (target.kind == Token::Identifier) {
-    load(target.name);
+    variable(target.name, false);
     expression(value, true);
     write(op);
     if (wanted) write(Op::DUP);
-    store(target.name);
+    variable(target.name, true);
     return;
   }
   if (target.kind != Token::Member && target.kind != Token::Index) fail(QStringLiteral("not lsh?"));
   expression(value, true);
-  expression(*target.child[0], true);
-  if (target.kind == Token::Member) {
-    write(Op::STR);
-    emitOperand(target.name->index, "names");
-  } else {
-    expression(*target.child[1], true);
-  }
+  objectAndKey(target);
   write(Op(uint8_t(op) + 1));  // the operator's member form
   if (!wanted) write(Op::DROP);
 }
 
 void ESGenerator::increment(const ESNode& target, bool up, bool prefix, bool wanted) {
   if (target.kind == Token::Member || target.kind == Token::Index) {
-    expression(*target.child[0], true);
-    if (target.kind == Token::Member) {
-      write(Op::STR);
-      emitOperand(target.name->index, "names");
-    } else {
-      expression(*target.child[1], true);
-    }
+    objectAndKey(target);
     write(up ? (prefix ? Op::PREINCP : Op::POSTINCP) : (prefix ? Op::PREDECP : Op::POSTDECP));
     if (!wanted) write(Op::DROP);
     return;
@@ -650,7 +629,7 @@ void ESGenerator::increment(const ESNode& target, bool up, bool prefix, bool wan
     if (!wanted) write(Op::DROP);
     return;
   }
-  if (wanted && !prefix) load(target.name);
+  if (wanted && !prefix) variable(target.name, false);
   bool inActivation = code_->needsActivation;
   switch (where.place) {
     case Place::Argument:
@@ -663,7 +642,7 @@ void ESGenerator::increment(const ESNode& target, bool up, bool prefix, bool wan
       write(up ? Op::INCG : Op::DECG);
   }
   emitOperand(where.number, "variables");
-  if (wanted && prefix) load(target.name);
+  if (wanted && prefix) variable(target.name, false);
 }
 
 // Arguments first, then the callee and its object.
@@ -717,13 +696,7 @@ void ESGenerator::remove(const ESNode& target, bool wanted) {
       write(Op::FALSE_);  // a variable at a fixed place is never deleted
     }
   } else if (target.kind == Token::Member || target.kind == Token::Index) {
-    expression(*target.child[0], true);
-    if (target.kind == Token::Member) {
-      write(Op::STR);
-      emitOperand(target.name->index, "names");
-    } else {
-      expression(*target.child[1], true);
-    }
+    objectAndKey(target);
     write(Op::DELETEX);
   } else {
     fail(QStringLiteral("not lsh?"));
@@ -731,9 +704,20 @@ void ESGenerator::remove(const ESNode& target, bool wanted) {
   if (!wanted) write(Op::DROP);
 }
 
+// A member's object, then its key as a value: the name as a string, or the computed key.
+void ESGenerator::objectAndKey(const ESNode& target) {
+  expression(*target.child[0], true);
+  if (target.kind == Token::Member) {
+    write(Op::STR);
+    emitOperand(target.name->index, "names");
+  } else {
+    expression(*target.child[1], true);
+  }
+}
+
 void ESGenerator::storeTarget(const ESNode& target) {
   switch (target.kind) {
-    case Token::Identifier: store(target.name); return;
+    case Token::Identifier: variable(target.name, true); return;
     case Token::Member:
       expression(*target.child[0], true);
       write(Op::PUTF);

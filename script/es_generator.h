@@ -49,9 +49,9 @@ class ESGenerator {
   void increment(const ESNode& target, bool increment, bool prefix, bool wanted);
   void call(const ESNode& node, bool wanted);
   void remove(const ESNode& target, bool wanted);
-  void load(ESAtom* name);
-  void store(ESAtom* name);
+  void variable(ESAtom* name, bool write);  // read, or write what the stack holds
   void storeTarget(const ESNode& target);  // the value is on the stack
+  void objectAndKey(const ESNode& target);  // a member target: object, then key
   void number(double value);
 
   void write(Op op);

@@ -180,9 +180,13 @@ void ESContext::callObject(ESObject* function, ESObject* thisObject, int32_t arg
   }
   thisObject_ = thisObject;
   ESValue result = execute(code);
+  // (activation_ is still this call's own here: the registers are restored below.)
   // Nothing can reach an activation that no closure captured and that never became
   // `this`: its two records go back to the free list.
-  if (link != nullptr && !link->captured && !link->value.object->captured) releaseScopeLink(link);
+  if (link != nullptr && !link->captured && !activation_->captured) {
+    recycle(activation_);
+    recycle(link);
+  }
   sp_ = arguments;
   *sp_++ = result;
 }
@@ -408,10 +412,7 @@ void ESContext::leaveWith() {
   ESObject* link = scope_;
   if (link == nullptr) return;
   scope_ = link->prototype;
-  if (link->builtinId == kWithLinkId && !link->captured) {
-    link->value = ESValue();  // the object itself stays: it belongs to the script
-    releaseScopeLink(link);
-  }
+  if (link->builtinId == kWithLinkId && !link->captured) recycle(link);  // its object belongs to the script
 }
 
 // ---- The loop ----
@@ -844,42 +845,17 @@ ESValue ESContext::execute(const ESCode& code) {
         break;
       }
 
-      case Op::INCG:
-      case Op::DECG: {
-        ESValue& variable = global_->slot(operandAt(pc)).value;
-        variable = ESValue::fromNumber(toNumber(variable) + (op == Op::INCG ? 1 : -1));
+      case Op::INCG: case Op::DECG: case Op::INCA: case Op::DECA: case Op::INCL: case Op::DECL:
+      case Op::INCM: case Op::DECAM: case Op::INCLM: case Op::DECLM: {
+        uint32_t slot = operandAt(pc);
         pc += 2;
-        break;
-      }
-      case Op::INCA:
-      case Op::DECA: {
-        ESValue& variable = arguments[operandAt(pc)];
-        variable = ESValue::fromNumber(toNumber(variable) + (op == Op::INCA ? 1 : -1));
-        pc += 2;
-        break;
-      }
-      case Op::INCL:
-      case Op::DECL: {
-        ESValue& variable = locals[operandAt(pc)];
-        if (variable.isNumber())
-          variable.number += op == Op::INCL ? 1 : -1;
-        else
-          variable = ESValue::fromNumber(toNumber(variable) + (op == Op::INCL ? 1 : -1));
-        pc += 2;
-        break;
-      }
-      case Op::INCM:
-      case Op::DECAM: {
-        ESValue& variable = activation->slot(operandAt(pc)).value;
-        variable = ESValue::fromNumber(toNumber(variable) + (op == Op::INCM ? 1 : -1));
-        pc += 2;
-        break;
-      }
-      case Op::INCLM:
-      case Op::DECLM: {
-        ESValue& variable = activation->slot(localBase + operandAt(pc)).value;
-        variable = ESValue::fromNumber(toNumber(variable) + (op == Op::INCLM ? 1 : -1));
-        pc += 2;
+        ESValue& variable = op == Op::INCG || op == Op::DECG   ? global_->slot(slot).value
+                            : op == Op::INCA || op == Op::DECA  ? arguments[slot]
+                            : op == Op::INCL || op == Op::DECL  ? locals[slot]
+                            : op == Op::INCM || op == Op::DECAM ? activation->slot(slot).value
+                                                                : activation->slot(localBase + slot).value;
+        bool up = op == Op::INCG || op == Op::INCA || op == Op::INCL || op == Op::INCM || op == Op::INCLM;
+        variable = ESValue::fromNumber(toNumber(variable) + (up ? 1 : -1));
         break;
       }
       case Op::PREINCX:
