@@ -92,6 +92,8 @@ class ESContext {
   ESObject* newObject() { return newObject(objectPrototype_, objectClass_); }
   ESObject* newArray();
   ESFunctionInfo* newFunctionInfo();
+  // Records allocated so far, in use or free: the context's memory grows with it.
+  size_t recordCount() const { return batches_.size() * 64; }
   QString* ownString(const QString& text);  // a transient string the context keeps
 
   // A native function or constructor, put on `target` under `name` (the global

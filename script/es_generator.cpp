@@ -381,13 +381,11 @@ void ESGenerator::switchStatement(const ESNode& node, Statement& entry) {
     emitJump(Op::JT_DROP, clauseChains[i]);
   }
   write(Op::DROP);
-  int toDefault = -1;
   for (size_t i = 0; i < node.list.size(); ++i)
     if (node.list[i]->kind == Token::Default) emitJump(Op::J, clauseChains[i]);
   bool haveDefault = false;
   for (const auto& clause : node.list) haveDefault |= clause->kind == Token::Default;
   if (!haveDefault) emitJump(Op::J, entry.breakChain);
-  (void)toDefault;
   for (size_t i = 0; i < node.list.size(); ++i) {
     patch(clauseChains[i], position());
     const ESNode& clause = *node.list[i];

@@ -135,7 +135,7 @@ std::unique_ptr<ESNode> ESParser::parseStatement() {
     case '{':
       return parseBlock();
     case Token::Var: {
-      auto list = parseVarList(false);
+      auto list = parseVarList();
       endStatement();
       return list;
     }
@@ -179,7 +179,7 @@ std::unique_ptr<ESNode> ESParser::parseBlock() {
 }
 
 // `var` and its names; each initialiser becomes an assignment.
-std::unique_ptr<ESNode> ESParser::parseVarList(bool inForHead) {
+std::unique_ptr<ESNode> ESParser::parseVarList() {
   auto list = node(Token::Var);
   advance();
   for (;;) {
@@ -196,7 +196,6 @@ std::unique_ptr<ESNode> ESParser::parseVarList(bool inForHead) {
     if (token_.type != ',') break;
     advance();
   }
-  (void)inForHead;
   return list;
 }
 
@@ -239,7 +238,7 @@ std::unique_ptr<ESNode> ESParser::parseFor() {
   expect('(');
   std::unique_ptr<ESNode> init;
   if (token_.type == Token::Var) {
-    init = parseVarList(true);
+    init = parseVarList();
     if (token_.type == Token::In) {
       if (init->list.size() > 1) fail(QStringLiteral("too many variables in for-in expression"));
       init = std::move(init->list.front());  // the name, or an assignment that the generator refuses

@@ -32,7 +32,7 @@ class ESParser {
   // Statements.
   std::vector<std::unique_ptr<ESNode>> parseStatementList(int end1, int end2 = -1, int end3 = -1);
   std::unique_ptr<ESNode> parseStatement();
-  std::unique_ptr<ESNode> parseVarList(bool inForHead);
+  std::unique_ptr<ESNode> parseVarList();
   std::unique_ptr<ESNode> parseIf();
   std::unique_ptr<ESNode> parseWhile();
   std::unique_ptr<ESNode> parseDo();
