@@ -2,10 +2,10 @@
 
 #include <QStringList>
 #include <cmath>
-#include <cctype>
 #include <cstdlib>
 #include <sys/mman.h>
 
+#include "base/text.h"
 #include "script/es_compiler.h"
 
 namespace regmill::script {
@@ -335,7 +335,7 @@ double stringToNumber(const QString& text) {
     QStringView digits = QStringView(trimmed).mid(2);
     // Only hexadecimal digits: the conversion below would also take a sign or a second prefix.
     for (QChar c : digits)
-      if (!isxdigit(c.toLatin1()) || c.unicode() > 127) return std::nan("");
+      if (c.unicode() > 127 || !isHexDigitByte((unsigned char)c.unicode())) return std::nan("");
     uint value = digits.toUInt(&ok, 16);
     return ok ? double(value) : std::nan("");
   }

@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "base/text.h"
 #include "script/es_engine.h"
 
 namespace regmill::script {
@@ -82,12 +83,8 @@ constexpr Operator kOperators[] = {
 };
 constexpr char kSingleCharacterTokens[] = "()[]{},;:?~!=+-*/%&|^<>.";
 
-int hexValue(char16_t c) {
-  if (c >= '0' && c <= '9') return c - '0';
-  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-  return -1;
-}
+// The digit's value up to 35; -1 for anything else.
+int digitOf(char16_t c) { return c < 128 ? regmill::digitValue((unsigned char)c) : -1; }
 
 }  // namespace
 
@@ -246,7 +243,7 @@ ESToken ESLexer::scanNumber(ESToken token) {
     int radix = state == 1 ? 8 : 16;
     double value = 0;
     for (qsizetype i = state == 1 ? 0 : 2; i < text.size(); ++i) {
-      int digit = hexValue(text[i].unicode());
+      int digit = digitOf(text[i].unicode());
       if (digit < 0 || digit >= radix) fail(QStringLiteral("digit '%1' is not radix %2").arg(text[i]).arg(radix));
       value = value * radix + digit;
     }
@@ -289,8 +286,8 @@ ESToken ESLexer::scanString(ESToken token, char16_t quote) {
         int digits = e == 'u' ? 4 : 2;
         int value = 0;
         for (int i = 0; i < digits; ++i) {
-          int digit = position_ < length_ ? hexValue(text_[position_]) : -1;
-          if (digit < 0) fail(QStringLiteral("malformed hex escape sequence"));
+          int digit = position_ < length_ ? digitOf(text_[position_]) : -1;
+          if (digit < 0 || digit > 15) fail(QStringLiteral("malformed hex escape sequence"));
           value = value * 16 + digit;
           ++position_;
         }

@@ -314,6 +314,7 @@ std::unique_ptr<ESNode> ESParser::parseReturn() {
   if (function_ == nullptr) fail(tokenName(Token::Return) + QStringLiteral(" not in a function"));
   auto statement = node(Token::Return);
   advance();
+  // The end of the input also ends a bare `return`, as a `}` does.
   if (token_.type != ';' && token_.type != '}' && token_.type != Token::End && !token_.newlineBefore) {
     auto value = parseSequence();
     statement->depth = value->depth + 1;
