@@ -58,19 +58,20 @@ bool ESConsoleContext::runFile(const QString& fileName, const QString& source, s
 
 std::string ESConsoleContext::describeError(ESValue error, bool compiling) {
   const ESEngine::Names& names = engine().names();
-  if (!isError(error)) {
-    QString text;
+  // A script can give an error a name or message that fails to convert itself
+  // (an object without a primitive value): its type stands in for it.
+  auto textOf = [&](ESValue value) {
     try {
-      text = toString(error);
+      return toString(value);
     } catch (const ESException&) {
-      text = typeOf(error);  // a value whose conversion fails itself
+      return typeOf(value);
     }
-    return ("Uncaught exception: " + text).toStdString();
-  }
+  };
+  if (!isError(error)) return ("Uncaught exception: " + textOf(error)).toStdString();
   ESObject* object = error.object;
   auto read = [&](ESAtom* name) {
     ESValue value = object->klass->get(*this, object, name);
-    return value.isUndefined() ? QString() : toString(value);
+    return value.isUndefined() ? QString() : textOf(value);
   };
   QString place = read(names.fileName);
   QString line = read(names.lineNumber);

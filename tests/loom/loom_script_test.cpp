@@ -41,6 +41,14 @@ TEST(LoomScript, ReportsUncaughtErrorsAndStops) {
   EXPECT_EQ(run.err, "Uncaught exception: TypeError: can't convert undefined to an object\nrun.js:3\n");
 }
 
+TEST(LoomScript, ReportsAnErrorWhoseNameCannotBeConverted) {
+  ScratchFolder folder;
+  folder.write("odd.js", "TypeError.prototype.name = {};\nundefinedFunction();\n");
+  auto run = runLoom({"script", "odd.js"}, folder.path());
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_EQ(run.err, "Uncaught exception: object: not a function object\nodd.js:2\n");
+}
+
 TEST(LoomScript, RefusesMissingArgumentsAndFiles) {
   ScratchFolder folder;
   auto bare = runLoom({"script"}, folder.path());
