@@ -25,5 +25,6 @@ int fail(std::string_view text);
 int runHelp(Arguments arguments);
 int runHex(Arguments arguments);
 int runPkg(Arguments arguments);
+int runScript(Arguments arguments);
 
 }  // namespace loom

@@ -13,6 +13,8 @@ constexpr Command kCommands[] = {
      runHex},
     {"pkg", "list|extract|create|fetch ...",
      "List, extract or create a package archive, or fetch a file over HTTP", runPkg},
+    {"script", "FILE [FILE...]", "Run script files in one context, with print(...) writing lines to stdout",
+     runScript},
 };
 
 std::span<const Command> commands() { return kCommands; }

@@ -1,0 +1,3 @@
+// Recursive calls through a global function: argument slots and the call sequence.
+function fib(n) { if (n < 2) return n; return fib(n - 1) + fib(n - 2); }
+print(fib(30));

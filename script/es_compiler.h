@@ -1,0 +1,30 @@
+// The compiler: source text to byte code for the machine. One object per
+// compilation: the parser builds the tree and declares names, then every function
+// is generated (inner before outer) and the program last. Errors become a
+// SyntaxError raised through the context, with the line they belong to.
+#pragma once
+#include <QString>
+#include <memory>
+
+#include "script/es_code.h"
+
+namespace regmill::script {
+
+class ESContext;
+
+class ESCompiler {
+ public:
+  explicit ESCompiler(ESContext& context) : context_(context) {}
+
+  // The program's block; functions found in it join the context's function table.
+  std::unique_ptr<ESCode> compileProgram(const QString& source);
+
+  // When set, every generated block is listed on stderr.
+  void setListing(bool on) { listing_ = on; }
+
+ private:
+  ESContext& context_;
+  bool listing_ = false;
+};
+
+}  // namespace regmill::script
