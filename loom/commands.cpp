@@ -7,10 +7,8 @@ namespace loom {
 // One row per subcommand, in the order `loom help` lists them.
 constexpr Command kCommands[] = {
     {"help", "[COMMAND]", "List the commands, or show how to use one", runHelp},
-    {"hex", "(convert IN OUT | info IN) [OPTIONS]",
-     "Convert a load file or list its sections; options --from KIND, --to KIND (bin hex srec txt lst; "
-     "by default the extension), --fill BYTE, --address ADDR (of a binary input)",
-     runHex},
+    {"hex", "convert IN OUT | info IN [--from KIND] [--to KIND] [--fill BYTE] [--address ADDR]",
+     "Convert a load file or list its sections (KIND: bin hex srec txt lst; by default the extension)", runHex},
     {"pkg", "list|extract|create|fetch ...",
      "List, extract or create a package archive, or fetch a file over HTTP", runPkg},
     {"script", "FILE [FILE...]", "Run script files in one context, with print(...) writing lines to stdout",
