@@ -1,0 +1,344 @@
+#include "editor/text_diff.h"
+
+#include <algorithm>
+#include <bit>
+#include <stdexcept>
+
+namespace regmill {
+
+int32_t diffLineHash(QStringView line) {
+  // Unsigned sums wrap where a signed one would overflow; the fold reads them back
+  // as the signed values the hash is defined on.
+  uint32_t sum = 1;
+  uint32_t shift = 0;
+  for (QChar character : line) {
+    sum += uint32_t(character.unicode()) << (shift & 15);
+    shift = (shift & 15) + 7;
+  }
+  const int32_t folded = (int32_t(sum) >> 16) + int32_t(sum & 0xFFFF);
+  return int32_t(int16_t(folded >> 16)) + int32_t(int16_t(folded));
+}
+
+namespace {
+
+struct Line {
+  int32_t serial;
+  int32_t hash;
+};
+
+bool hashThenSerial(const Line& a, const Line& b) {
+  return a.hash != b.hash ? a.hash < b.hash : a.serial < b.serial;
+}
+
+// Gaps (2^k - 1) / 2, then halved, with 2^k the smallest power of two above the size.
+void shellSort(std::vector<Line>& lines) {
+  const size_t size = lines.size();
+  if (size < 2) return;
+  for (size_t gap = (std::bit_floor(size) * 2 - 1) / 2; gap != 0; gap /= 2)
+    for (size_t next = gap; next < size; ++next)
+      for (size_t at = next; at >= gap && hashThenSerial(lines[at], lines[at - gap]); at -= gap)
+        std::swap(lines[at], lines[at - gap]);
+}
+
+struct Candidate {
+  int32_t x;     // left line, behind the prefix
+  int32_t y;     // right line, behind the prefix
+  int32_t previous;  // index into the candidate list
+};
+
+// The classes of the pruned lines: for each left serial the position in `members` of
+// the first right line with its hash (0 when there is none), and `members` the right
+// serials sorted by hash, each run of one hash starting with its serial negated, the
+// whole ended by -1. Positions count from 1.
+struct Classes {
+  std::vector<int32_t> classOf;
+  std::vector<int32_t> members;
+};
+
+Classes makeClasses(std::vector<Line> left, std::vector<Line> right, TextDiff::Search search) {
+  if (search == TextDiff::Search::AsWritten) {
+    shellSort(left);
+    shellSort(right);
+  } else {
+    std::sort(left.begin(), left.end(), hashThenSerial);
+    std::sort(right.begin(), right.end(), hashThenSerial);
+  }
+  Classes classes;
+  classes.classOf.assign(left.size() + 1, 0);
+  size_t r = 0;
+  for (const Line& line : left) {
+    while (r < right.size() && right[r].hash < line.hash) ++r;
+    if (r < right.size() && right[r].hash == line.hash) classes.classOf[size_t(line.serial)] = int32_t(r + 1);
+  }
+  classes.members.resize(right.size() + 2, 0);
+  for (size_t at = 0; at < right.size(); ++at) {
+    const bool startsRun = at == 0 || right[at - 1].hash != right[at].hash;
+    classes.members[at + 1] = startsRun ? -right[at].serial : right[at].serial;
+  }
+  classes.members[right.size() + 1] = -1;
+  return classes;
+}
+
+// The search for the longest common subsequence of the pruned lines. `best` keeps,
+// for each length l found so far, the candidate whose right line is the lowest that
+// ends a common subsequence of length l; those right lines rise strictly with l.
+class CandidateSearch {
+ public:
+  CandidateSearch(const Classes& classes, int32_t leftLength, int32_t rightLength)
+      : classes_(classes), leftLength_(leftLength), rightLength_(rightLength) {
+    candidates_.push_back({0, 0, 0});
+    best_.assign(size_t(std::min(leftLength, rightLength)) + 2, 0);
+  }
+
+  void walkAsWritten();
+  void walkFast();
+
+  // The candidates of the longest common subsequence, from its end backwards.
+  template <typename Visit>
+  void unravel(Visit visit) const {
+    for (int32_t at = best_[size_t(longest_)]; candidates_[size_t(at)].y != 0; at = candidates_[size_t(at)].previous)
+      visit(candidates_[size_t(at)]);
+  }
+
+ private:
+  int32_t yOfBest(int32_t length) const { return candidates_[size_t(best_[size_t(length)])].y; }
+  int32_t place(int32_t y) const;
+  int32_t newCandidate(int32_t x, int32_t y, int32_t previous) {
+    if (candidates_.size() >= size_t(INT32_MAX)) throw std::length_error("list too long");
+    candidates_.push_back({x, y, previous});
+    return int32_t(candidates_.size() - 1);
+  }
+
+  const Classes& classes_;
+  int32_t leftLength_;
+  int32_t rightLength_;
+  std::vector<Candidate> candidates_;
+  std::vector<int32_t> best_;
+  int32_t longest_ = 0;
+};
+
+// The first length from 1 whose best right line is y or above it; longest_ + 1 when
+// none is.
+int32_t CandidateSearch::place(int32_t y) const {
+  if (yOfBest(longest_) < y) return longest_ + 1;
+  int32_t low = 0;
+  int32_t high = longest_ + 1;
+  int32_t middle = 0;
+  while (true) {
+    middle = (low + high) >> 1;
+    if (middle <= low) break;
+    const int32_t atMiddle = yOfBest(middle);
+    if (atMiddle > y)
+      high = middle;
+    else if (atMiddle < y)
+      low = middle;
+    else
+      return middle;
+  }
+  return middle + 1;
+}
+
+void CandidateSearch::walkAsWritten() {
+  const std::vector<int32_t>& members = classes_.members;
+  for (int32_t i = 1; i <= leftLength_; ++i) {
+    int32_t member = classes_.classOf[size_t(i)];
+    if (member == 0) continue;
+    int32_t y = -members[size_t(member)];
+    int32_t notedPlace = 0;
+    int32_t previous = best_[0];
+    do {
+      if (y <= candidates_[size_t(previous)].y) continue;
+      const int32_t length = place(y);
+      if (length != notedPlace + 1) previous = best_[size_t(length - 1)];
+      if (length <= longest_) {
+        if (yOfBest(length) <= y) continue;
+        const int32_t displaced = best_[size_t(length)];
+        best_[size_t(length)] = newCandidate(i, y, previous);
+        previous = displaced;
+        notedPlace = length;
+      } else {
+        best_[size_t(length)] = newCandidate(i, y, previous);
+        ++longest_;
+        break;
+      }
+    } while ((y = members[size_t(++member)]) > 0);
+  }
+}
+
+// A left line changes the search only through the members of its class that are no
+// best right line yet ("free"): such a member y lies strictly between the best right
+// lines of two lengths l - 1 and l, and the lowest one there makes the new best of
+// length l, chained to the old best of l - 1, while the other members there change
+// nothing. A member that already is a best right line changes nothing either. The
+// walk as written finds exactly these, one member at a time; here the free members
+// are found through a bit set, and those that cannot matter are skipped by binary
+// search. All changes of one left line are computed first and applied after, as the
+// walk as written reads the lengths as they stood before the line.
+void CandidateSearch::walkFast() {
+  const std::vector<int32_t>& members = classes_.members;
+  const size_t memberCount = size_t(rightLength_) + 1;
+  std::vector<int32_t> serialAt(memberCount + 1, 0);  // position -> right serial
+  std::vector<int32_t> positionOf(memberCount, 0);    // right serial -> position
+  std::vector<int32_t> classEnd(memberCount + 1, 0);  // class start -> position behind it
+  for (size_t at = 1; at < memberCount; ++at) {
+    serialAt[at] = std::abs(members[at]);
+    positionOf[size_t(serialAt[at])] = int32_t(at);
+  }
+  serialAt[memberCount] = INT32_MAX;
+  for (size_t start = 1; start < memberCount;) {
+    size_t end = start + 1;
+    while (members[end] > 0) ++end;
+    classEnd[start] = int32_t(end);
+    start = end;
+  }
+  std::vector<uint64_t> free(memberCount / 64 + 1, ~uint64_t{0});
+  auto setFree = [&](int32_t position, bool isFree) {
+    const uint64_t bit = uint64_t{1} << (position & 63);
+    free[size_t(position) >> 6] = isFree ? free[size_t(position) >> 6] | bit : free[size_t(position) >> 6] & ~bit;
+  };
+  auto nextFree = [&](int32_t from, int32_t end) {
+    size_t word = size_t(from) >> 6;
+    uint64_t bits = free[word] & (~uint64_t{0} << (from & 63));
+    while (bits == 0) {
+      if (++word << 6 >= size_t(end)) return end;
+      bits = free[word];
+    }
+    return std::min(end, int32_t((word << 6) + size_t(std::countr_zero(bits))));
+  };
+
+  struct Change {
+    int32_t length;
+    int32_t y;
+    int32_t previous;
+  };
+  std::vector<Change> changes;
+  for (int32_t i = 1; i <= leftLength_; ++i) {
+    const int32_t start = classes_.classOf[size_t(i)];
+    if (start == 0) continue;
+    const int32_t end = classEnd[size_t(start)];
+    changes.clear();
+    for (int32_t position = nextFree(start, end); position < end;) {
+      const int32_t y = serialAt[size_t(position)];
+      const int32_t length = place(y);
+      changes.push_back({length, y, best_[size_t(length - 1)]});
+      if (length > longest_) break;
+      const int32_t bound = yOfBest(length);
+      position = int32_t(std::upper_bound(&serialAt[size_t(position)], &serialAt[size_t(end)], bound) - serialAt.data());
+      if (position < end) position = nextFree(position, end);
+    }
+    for (const Change& change : changes) {
+      if (change.length > longest_)
+        ++longest_;
+      else
+        setFree(positionOf[size_t(yOfBest(change.length))], true);
+      best_[size_t(change.length)] = newCandidate(i, change.y, change.previous);
+      setFree(positionOf[size_t(change.y)], false);
+    }
+  }
+}
+
+// The hunk list as the match array J gives it, each gap of unmatched lines one hunk.
+class HunkWriter {
+ public:
+  std::vector<DiffHunk> write(std::vector<int32_t>& match, int32_t leftLength, int32_t rightLength) {
+    match[0] = 0;
+    match[size_t(leftLength) + 1] = rightLength + 1;
+    for (int32_t i0 = 1, i1 = 0; i0 <= leftLength; i0 = i1 + 1) {
+      while (i0 <= leftLength && match[size_t(i0)] == match[size_t(i0 - 1)] + 1) ++i0;
+      const int32_t j0 = match[size_t(i0 - 1)] + 1;
+      i1 = i0 - 1;
+      while (i1 < leftLength && match[size_t(i1 + 1)] == 0) ++i1;
+      const int32_t j1 = match[size_t(i1 + 1)] - 1;
+      match[size_t(i1)] = j1;
+      add(i0, i1, j0, j1);
+    }
+    if (leftLength == 0) add(1, 0, 1, rightLength);
+    return std::move(hunks_);
+  }
+
+ private:
+  void add(int32_t a, int32_t b, int32_t c, int32_t d) {
+    if (a > b && c > d) return;
+    if (a > b)
+      hunks_.push_back({b, b, c, d, DiffKind::RightOnly});
+    else if (c > d)
+      hunks_.push_back({a, b, d, d, DiffKind::LeftOnly});
+    else
+      hunks_.push_back({a, b, c, d, DiffKind::Changed});
+  }
+
+  std::vector<DiffHunk> hunks_;
+};
+
+// The whole run on two sides given by their hashes; `same(i, j)` compares the texts of
+// left element i and right element j, both from 0.
+template <typename Same>
+std::vector<DiffHunk> diffHashed(const std::vector<int32_t>& left, const std::vector<int32_t>& right, Same same,
+                                 TextDiff::Search search) {
+  if (left.size() >= size_t(INT32_MAX) || right.size() >= size_t(INT32_MAX)) throw std::length_error("list too long");
+  const int32_t leftLength = int32_t(left.size());
+  const int32_t rightLength = int32_t(right.size());
+
+  // Equal hashes at the head and at the tail are taken off before the search.
+  int32_t prefix = 0;
+  while (prefix < leftLength && prefix < rightLength && left[size_t(prefix)] == right[size_t(prefix)]) ++prefix;
+  int32_t suffix = 0;
+  while (suffix < leftLength - prefix && suffix < rightLength - prefix &&
+         left[size_t(leftLength - 1 - suffix)] == right[size_t(rightLength - 1 - suffix)])
+    ++suffix;
+  const int32_t leftPruned = leftLength - prefix - suffix;
+  const int32_t rightPruned = rightLength - prefix - suffix;
+
+  auto pruned = [prefix](const std::vector<int32_t>& hashes, int32_t length) {
+    std::vector<Line> lines(static_cast<size_t>(length));
+    for (int32_t serial = 1; serial <= length; ++serial)
+      lines[size_t(serial - 1)] = {serial, hashes[size_t(prefix + serial - 1)]};
+    return lines;
+  };
+  const Classes classes = makeClasses(pruned(left, leftPruned), pruned(right, rightPruned), search);
+  CandidateSearch candidates(classes, leftPruned, rightPruned);
+  if (search == TextDiff::Search::AsWritten)
+    candidates.walkAsWritten();
+  else
+    candidates.walkFast();
+
+  std::vector<int32_t> match(size_t(leftLength) + 2, 0);
+  for (int32_t i = 0; i <= leftLength; ++i)
+    match[size_t(i)] = i <= prefix ? i : i > leftLength - suffix ? i + rightLength - leftLength : 0;
+  candidates.unravel([&](const Candidate& candidate) {
+    match[size_t(candidate.x + prefix)] = candidate.y + prefix;
+  });
+  // Equal hashes of different texts lose their match here, so a collision costs a
+  // match and never gives a wrong result.
+  for (int32_t i = 1; i <= leftLength; ++i)
+    if (match[size_t(i)] != 0 && !same(i - 1, match[size_t(i)] - 1)) match[size_t(i)] = 0;
+  return HunkWriter().write(match, leftLength, rightLength);
+}
+
+}  // namespace
+
+std::vector<DiffHunk> TextDiff::diff(const QStringList& left, const QStringList& right) const {
+  if (left == right) return {};
+  auto hashes = [](const QStringList& lines) {
+    std::vector<int32_t> result;
+    result.reserve(size_t(lines.size()));
+    for (const QString& line : lines) result.push_back(diffLineHash(line));
+    return result;
+  };
+  return diffHashed(
+      hashes(left), hashes(right), [&](int32_t i, int32_t j) { return left[i] == right[j]; }, search_);
+}
+
+std::vector<DiffHunk> TextDiff::diff(const QString& left, const QString& right) const {
+  if (left == right) return {};
+  auto hashes = [](const QString& text) {
+    std::vector<int32_t> result;
+    result.reserve(size_t(text.size()));
+    for (QChar character : text) result.push_back(diffLineHash(QStringView(&character, 1)));
+    return result;
+  };
+  return diffHashed(
+      hashes(left), hashes(right), [&](int32_t i, int32_t j) { return left[i] == right[j]; }, search_);
+}
+
+}  // namespace regmill

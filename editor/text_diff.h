@@ -1,0 +1,53 @@
+// The comparison of two texts: the longest common subsequence of two lists of
+// strings, found over classes of equal lines and their candidate matches, given back
+// as the hunks that turn the left list into the right one. A string compares
+// character by character through the same engine.
+#pragma once
+#include <QString>
+#include <QStringList>
+#include <cstdint>
+#include <vector>
+
+namespace regmill {
+
+enum class DiffKind : int32_t {
+  RightOnly = 0,  // lines inserted on the right
+  LeftOnly = 1,   // lines deleted from the left
+  Changed = 2,    // lines on both sides
+};
+
+// Lines count from 1. A RightOnly hunk has leftFrom == leftTo, the left line behind
+// which the right lines come (0 for the head); a LeftOnly hunk has rightFrom ==
+// rightTo, the right line behind which the left lines stood.
+struct DiffHunk {
+  int32_t leftFrom = 0;
+  int32_t leftTo = 0;
+  int32_t rightFrom = 0;
+  int32_t rightTo = 0;
+  DiffKind kind = DiffKind::Changed;
+  bool operator==(const DiffHunk&) const = default;
+};
+
+class TextDiff {
+ public:
+  // Both searches give the same hunks. AsWritten walks every member of a line's class
+  // for every left line, and sorts with a Shell sort; Fast visits only the members
+  // that can change the search's state. AsWritten is kept as the measure that Fast is
+  // tested and timed against.
+  enum class Search { Fast, AsWritten };
+
+  explicit TextDiff(Search search = Search::Fast) : search_(search) {}
+
+  // The hunks in file order; none for equal lists. Lines compare exactly.
+  std::vector<DiffHunk> diff(const QStringList& left, const QStringList& right) const;
+  // The same over the characters of two strings: hunks count characters from 1.
+  std::vector<DiffHunk> diff(const QString& left, const QString& right) const;
+
+ private:
+  Search search_;
+};
+
+// The 16-bit hash by which lines are sorted into classes; equal texts hash alike.
+int32_t diffLineHash(QStringView line);
+
+}  // namespace regmill
