@@ -7,6 +7,8 @@ namespace loom {
 // One row per subcommand, in the order `loom help` lists them.
 constexpr Command kCommands[] = {
     {"help", "[COMMAND]", "List the commands, or show how to use one", runHelp},
+    {"diff", "LEFT RIGHT [--no-color]", "Compare two text files line by line; exit 0 when equal, 1 when not, 2 on error",
+     runDiff},
 };
 
 std::span<const Command> commands() { return kCommands; }
@@ -17,9 +19,9 @@ const Command* findCommand(std::string_view name) {
   return nullptr;
 }
 
-int fail(std::string_view text) {
+int fail(std::string_view text, int exitCode) {
   std::fprintf(stderr, "loom: %.*s\n", int(text.size()), text.data());
-  return 1;
+  return exitCode;
 }
 
 }  // namespace loom
