@@ -19,26 +19,32 @@ namespace {
 
 constexpr int kTrouble = 2;
 
-// A file's lines, split at each line feed with empty parts kept; an empty file has
-// none. A file of valid UTF-8 is read as such, any other byte for byte, so that its
-// lines come back out unchanged.
-struct TextFile {
-  QStringList lines;
+// The lines of both files, split at each line feed with empty parts kept; an empty
+// file has none. Two files of valid UTF-8 are read as such (a byte order mark stays
+// a character); otherwise both are read byte for byte, so that files that differ in
+// their bytes never compare equal and every line comes back out unchanged.
+struct TextFiles {
+  QStringList lines[2];
   bool utf8 = true;
 
   QByteArray encoded(const QString& text) const { return utf8 ? text.toUtf8() : text.toLatin1(); }
 };
 
-TextFile decode(const std::string& bytes) {
-  TextFile file;
-  QStringDecoder decoder(QStringDecoder::Utf8);
-  QString text = decoder.decode(QByteArrayView(bytes.data(), qsizetype(bytes.size())));
-  if (decoder.hasError()) {
-    text = QString::fromLatin1(bytes.data(), qsizetype(bytes.size()));
-    file.utf8 = false;
+QStringList splitLines(const QString& text) {
+  return text.isEmpty() ? QStringList() : text.split(QLatin1Char('\n'));
+}
+
+TextFiles decode(const std::string (&bytes)[2]) {
+  TextFiles files;
+  QString texts[2];
+  for (int side = 0; side < 2; ++side) {
+    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::ConvertInitialBom);
+    texts[side] = decoder.decode(QByteArrayView(bytes[side].data(), qsizetype(bytes[side].size())));
+    files.utf8 = files.utf8 && !decoder.hasError();
   }
-  if (!text.isEmpty()) file.lines = text.split(QLatin1Char('\n'));
-  return file;
+  for (int side = 0; side < 2; ++side)
+    files.lines[side] = splitLines(files.utf8 ? texts[side] : QString::fromLatin1(bytes[side].data(), qsizetype(bytes[side].size())));
+  return files;
 }
 
 void print(const QByteArray& bytes) { std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stdout); }
@@ -55,16 +61,17 @@ int runDiff(Arguments arguments) {
       names.push_back(argument);
   }
   if (names.size() != 2) return fail("diff takes two files: loom diff LEFT RIGHT [--no-color]", kTrouble);
-  TextFile files[2];
+  std::string bytes[2];
   for (int side = 0; side < 2; ++side) {
-    regmill::Expected<std::string> bytes = regmill::readInputFile(names[side]);
-    if (!bytes.ok()) return fail(bytes.status().message(), kTrouble);
-    files[side] = decode(*bytes);
+    regmill::Expected<std::string> read = regmill::readInputFile(names[side]);
+    if (!read.ok()) return fail(read.status().message(), kTrouble);
+    bytes[side] = std::move(*read);
   }
+  const TextFiles files = decode(bytes);
   regmill::DiffDisplay display(colour);
-  display.compareLists(files[0].lines, files[1].lines).message.clear();
-  print(files[0].encoded(display.leftText()));
-  print(files[1].encoded(display.rightText()));
+  display.compareLists(files.lines[0], files.lines[1]);
+  print(files.encoded(display.leftText()));
+  print(files.encoded(display.rightText()));
   print(display.label().toUtf8() + '\n');
   return display.differences().empty() ? 0 : 1;
 }
