@@ -40,6 +40,19 @@ void shellSort(std::vector<Line>& lines) {
         std::swap(lines[at], lines[at - gap]);
 }
 
+// A hash lies between two 16-bit values summed: the lines, taken in serial order, are
+// sorted by hash in one counting pass, and stay in serial order within one hash.
+void countingSort(std::vector<Line>& lines) {
+  constexpr int32_t kLowest = 2 * INT16_MIN;
+  constexpr size_t kValues = size_t(2 * INT16_MAX - kLowest) + 2;
+  std::vector<uint32_t> start(kValues + 1, 0);
+  for (const Line& line : lines) ++start[size_t(line.hash - kLowest) + 1];
+  for (size_t value = 1; value <= kValues; ++value) start[value] += start[value - 1];
+  std::vector<Line> sorted(lines.size());
+  for (const Line& line : lines) sorted[start[size_t(line.hash - kLowest)]++] = line;
+  lines.swap(sorted);
+}
+
 struct Candidate {
   int32_t x;     // left line, behind the prefix
   int32_t y;     // right line, behind the prefix
@@ -60,8 +73,8 @@ Classes makeClasses(std::vector<Line> left, std::vector<Line> right, TextDiff::S
     shellSort(left);
     shellSort(right);
   } else {
-    std::sort(left.begin(), left.end(), hashThenSerial);
-    std::sort(right.begin(), right.end(), hashThenSerial);
+    countingSort(left);
+    countingSort(right);
   }
   Classes classes;
   classes.classOf.assign(left.size() + 1, 0);
@@ -270,29 +283,64 @@ class HunkWriter {
   std::vector<DiffHunk> hunks_;
 };
 
-// The whole run on two sides given by their hashes; `same(i, j)` compares the texts of
-// left element i and right element j, both from 0.
-template <typename Same>
-std::vector<DiffHunk> diffHashed(const std::vector<int32_t>& left, const std::vector<int32_t>& right, Same same,
-                                 TextDiff::Search search) {
-  if (left.size() >= size_t(INT32_MAX) || right.size() >= size_t(INT32_MAX)) throw std::length_error("list too long");
+// Lines as views into the text they stand in, for a text compared whole.
+using LineViews = std::vector<QStringView>;
+
+LineViews lineViews(const QString& text) {
+  LineViews lines;
+  if (text.isEmpty()) return lines;
+  for (qsizetype start = 0;;) {
+    const qsizetype end = text.indexOf(QLatin1Char('\n'), start);
+    if (end < 0) {
+      lines.push_back(QStringView(text).sliced(start));
+      return lines;
+    }
+    lines.push_back(QStringView(text).sliced(start, end - start));
+    start = end + 1;
+  }
+}
+
+// Elements of the kinds of sequence: lines of a list or of a text, characters of a
+// string.
+int32_t hashAt(const LineViews& lines, int32_t at) { return diffLineHash(lines[size_t(at)]); }
+bool sameAt(const LineViews& left, int32_t i, const LineViews& right, int32_t j) {
+  return left[size_t(i)] == right[size_t(j)];
+}
+int32_t hashAt(const QStringList& lines, int32_t at) { return diffLineHash(lines[at]); }
+int32_t hashAt(const QString& text, int32_t at) {
+  const QChar character = text[at];
+  return diffLineHash(QStringView(&character, 1));
+}
+bool sameAt(const QStringList& left, int32_t i, const QStringList& right, int32_t j) { return left[i] == right[j]; }
+bool sameAt(const QString& left, int32_t i, const QString& right, int32_t j) { return left[i] == right[j]; }
+
+// The whole run on two sequences whose elements count from 0 here. Elements are
+// hashed only where a hash is read: equal texts hash alike, so the head and the tail
+// are measured by comparing texts first and hashes only where texts differ, and the
+// lines they hold need no hash at all.
+template <typename Sequence>
+std::vector<DiffHunk> diffSequences(const Sequence& left, const Sequence& right, TextDiff::Search search) {
+  if (size_t(left.size()) >= size_t(INT32_MAX) || size_t(right.size()) >= size_t(INT32_MAX)) throw std::length_error("list too long");
   const int32_t leftLength = int32_t(left.size());
   const int32_t rightLength = int32_t(right.size());
+  auto sameHash = [&](int32_t i, int32_t j) {
+    return sameAt(left, i, right, j) || hashAt(left, i) == hashAt(right, j);
+  };
 
   // Equal hashes at the head and at the tail are taken off before the search.
   int32_t prefix = 0;
-  while (prefix < leftLength && prefix < rightLength && left[size_t(prefix)] == right[size_t(prefix)]) ++prefix;
+  while (prefix < leftLength && prefix < rightLength && sameHash(prefix, prefix)) ++prefix;
   int32_t suffix = 0;
   while (suffix < leftLength - prefix && suffix < rightLength - prefix &&
-         left[size_t(leftLength - 1 - suffix)] == right[size_t(rightLength - 1 - suffix)])
+         sameHash(leftLength - 1 - suffix, rightLength - 1 - suffix))
     ++suffix;
   const int32_t leftPruned = leftLength - prefix - suffix;
   const int32_t rightPruned = rightLength - prefix - suffix;
 
-  auto pruned = [prefix](const std::vector<int32_t>& hashes, int32_t length) {
+  auto pruned = [prefix](const Sequence& sequence, int32_t length) {
     std::vector<Line> lines(static_cast<size_t>(length));
     for (int32_t serial = 1; serial <= length; ++serial)
-      lines[size_t(serial - 1)] = {serial, hashes[size_t(prefix + serial - 1)]};
+      lines[size_t(serial - 1)] = {serial, hashAt(sequence, prefix + serial - 1)};
     return lines;
   };
   const Classes classes = makeClasses(pruned(left, leftPruned), pruned(right, rightPruned), search);
@@ -311,7 +359,7 @@ std::vector<DiffHunk> diffHashed(const std::vector<int32_t>& left, const std::ve
   // Equal hashes of different texts lose their match here, so a collision costs a
   // match and never gives a wrong result.
   for (int32_t i = 1; i <= leftLength; ++i)
-    if (match[size_t(i)] != 0 && !same(i - 1, match[size_t(i)] - 1)) match[size_t(i)] = 0;
+    if (match[size_t(i)] != 0 && !sameAt(left, i - 1, right, match[size_t(i)] - 1)) match[size_t(i)] = 0;
   return HunkWriter().write(match, leftLength, rightLength);
 }
 
@@ -319,26 +367,21 @@ std::vector<DiffHunk> diffHashed(const std::vector<int32_t>& left, const std::ve
 
 std::vector<DiffHunk> TextDiff::diff(const QStringList& left, const QStringList& right) const {
   if (left == right) return {};
-  auto hashes = [](const QStringList& lines) {
-    std::vector<int32_t> result;
-    result.reserve(size_t(lines.size()));
-    for (const QString& line : lines) result.push_back(diffLineHash(line));
-    return result;
-  };
-  return diffHashed(
-      hashes(left), hashes(right), [&](int32_t i, int32_t j) { return left[i] == right[j]; }, search_);
+  return diffSequences(left, right, search_);
 }
 
 std::vector<DiffHunk> TextDiff::diff(const QString& left, const QString& right) const {
   if (left == right) return {};
-  auto hashes = [](const QString& text) {
-    std::vector<int32_t> result;
-    result.reserve(size_t(text.size()));
-    for (QChar character : text) result.push_back(diffLineHash(QStringView(&character, 1)));
-    return result;
-  };
-  return diffHashed(
-      hashes(left), hashes(right), [&](int32_t i, int32_t j) { return left[i] == right[j]; }, search_);
+  return diffSequences(left, right, search_);
+}
+
+std::vector<DiffHunk> TextDiff::diffTexts(const QString& left, const QString& right) const {
+  if (left == right) return {};
+  return diffSequences(lineViews(left), lineViews(right), search_);
+}
+
+QStringList splitDiffLines(const QString& text) {
+  return text.isEmpty() ? QStringList() : text.split(QLatin1Char('\n'));
 }
 
 }  // namespace regmill

@@ -42,10 +42,17 @@ class TextDiff {
   std::vector<DiffHunk> diff(const QStringList& left, const QStringList& right) const;
   // The same over the characters of two strings: hunks count characters from 1.
   std::vector<DiffHunk> diff(const QString& left, const QString& right) const;
+  // The lines of two whole texts, as splitDiffLines gives them, without making a
+  // string of each line. Equal texts cost one comparison.
+  std::vector<DiffHunk> diffTexts(const QString& left, const QString& right) const;
 
  private:
   Search search_;
 };
+
+// A file's text as lines to compare: split at each line feed, empty parts kept (a
+// text that ends with a line feed has an empty last line); an empty text has none.
+QStringList splitDiffLines(const QString& text);
 
 // The 16-bit hash by which lines are sorted into classes; equal texts hash alike.
 int32_t diffLineHash(QStringView line);

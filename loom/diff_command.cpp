@@ -30,10 +30,6 @@ struct TextFiles {
   QByteArray encoded(const QString& text) const { return utf8 ? text.toUtf8() : text.toLatin1(); }
 };
 
-QStringList splitLines(const QString& text) {
-  return text.isEmpty() ? QStringList() : text.split(QLatin1Char('\n'));
-}
-
 TextFiles decode(const std::string (&bytes)[2]) {
   TextFiles files;
   QString texts[2];
@@ -43,7 +39,7 @@ TextFiles decode(const std::string (&bytes)[2]) {
     files.utf8 = files.utf8 && !decoder.hasError();
   }
   for (int side = 0; side < 2; ++side)
-    files.lines[side] = splitLines(files.utf8 ? texts[side] : QString::fromLatin1(bytes[side].data(), qsizetype(bytes[side].size())));
+    files.lines[side] = regmill::splitDiffLines(files.utf8 ? texts[side] : QString::fromLatin1(bytes[side].data(), qsizetype(bytes[side].size())));
   return files;
 }
 

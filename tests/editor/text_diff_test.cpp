@@ -67,10 +67,14 @@ int32_t longestCommonSubsequence(const QStringList& left, const QStringList& rig
   return table[left.size()][right.size()];
 }
 
-// Both searches agree, and the hunks turn left into right.
+// Both searches agree, the comparison of whole texts gives what the lists give, and
+// the hunks turn left into right.
 std::vector<DiffHunk> checkedDiff(const QStringList& left, const QStringList& right) {
   std::vector<DiffHunk> fast = TextDiff().diff(left, right);
   EXPECT_EQ(fast, TextDiff(TextDiff::Search::AsWritten).diff(left, right));
+  const QString leftText = left.join('\n'), rightText = right.join('\n');
+  if (splitDiffLines(leftText) == left && splitDiffLines(rightText) == right)
+    EXPECT_EQ(TextDiff().diffTexts(leftText, rightText), fast);
   EXPECT_EQ(applied(left, right, fast), right);
   return fast;
 }
