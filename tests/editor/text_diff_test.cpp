@@ -73,8 +73,9 @@ std::vector<DiffHunk> checkedDiff(const QStringList& left, const QStringList& ri
   std::vector<DiffHunk> fast = TextDiff().diff(left, right);
   EXPECT_EQ(fast, TextDiff(TextDiff::Search::AsWritten).diff(left, right));
   const QString leftText = left.join('\n'), rightText = right.join('\n');
-  if (splitDiffLines(leftText) == left && splitDiffLines(rightText) == right)
+  if (splitDiffLines(leftText) == left && splitDiffLines(rightText) == right) {
     EXPECT_EQ(TextDiff().diffTexts(leftText, rightText), fast);
+  }
   EXPECT_EQ(applied(left, right, fast), right);
   return fast;
 }
