@@ -73,8 +73,14 @@ Classes makeClasses(std::vector<Line> left, std::vector<Line> right, TextDiff::S
     shellSort(left);
     shellSort(right);
   } else {
-    countingSort(left);
-    countingSort(right);
+    // Both sorts give the one order by hash and serial; counting pays off only when
+    // there are many more lines than its table has entries to sum.
+    for (std::vector<Line>* lines : {&left, &right}) {
+      if (lines->size() >= 16384)
+        countingSort(*lines);
+      else
+        std::sort(lines->begin(), lines->end(), hashThenSerial);
+    }
   }
   Classes classes;
   classes.classOf.assign(left.size() + 1, 0);
