@@ -24,6 +24,8 @@ const Command* findCommand(std::string_view name);
 int fail(std::string_view text, int exitCode = 1);
 
 int runHelp(Arguments arguments);
+int runHex(Arguments arguments);
+int runPkg(Arguments arguments);
 int runDiff(Arguments arguments);
 
 }  // namespace loom

@@ -7,6 +7,12 @@ namespace loom {
 // One row per subcommand, in the order `loom help` lists them.
 constexpr Command kCommands[] = {
     {"help", "[COMMAND]", "List the commands, or show how to use one", runHelp},
+    {"hex", "(convert IN OUT | info IN) [OPTIONS]",
+     "Convert a load file or list its sections; options --from KIND, --to KIND (bin hex srec txt lst; "
+     "by default the extension), --fill BYTE, --address ADDR (of a binary input)",
+     runHex},
+    {"pkg", "list|extract|create|fetch ...",
+     "List, extract or create a package archive, or fetch a file over HTTP", runPkg},
     {"diff", "LEFT RIGHT [--no-color]", "Compare two text files line by line; exit 0 when equal, 1 when not, 2 on error",
      runDiff},
 };

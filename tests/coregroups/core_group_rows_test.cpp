@@ -52,11 +52,15 @@ TEST(CoreGroupRows, RowsOfEachGroup) {
                             "RETTOBASE 11:1, VECTACTIVE 0:9"},
       {23, 2, true, "SCB", "ICTR_NS 0xe002e004: INTLINESNUM 0:4"},
       {23, 2, false, "SCB", "ACTLR 0xe000e008: EXTEXCLALL 29:1"},
+      {33, 2, false, "SCB", "ACTLR 0xe000e008: EXTEXCLALL 29:1, DISITMATBFLUSH 12:1, FPEXCODIS 10:1, DISOOFP 9:1, "
+                            "DISFOLD 2:1, DISMCYCINT 0:1"},
       {33, 0, false, "SCB", "SHPR1 0xe000ed18: PRI_7(SecureFault) 32:0, PRI_6(UsageFault) 24:0, PRI_5(BusFault) 16:0, "
                             "PRI_4(MemManage) 8:0"},
       {33, 3, false, "SCB", "SHPR3 0xe000ed20: PRI_15(SysTick) 29:3, PRI_14(PendSV) 21:3, PRI_12(DebugMonitor) 5:3"},
       {33, 2, false, "SCB", "CCR 0xe000ed14: BP 18:1, IC 17:1, DC 16:1, STKOFHFNMIGN 10:1, STKALIGN 9:1, "
                             "BFHFNMIGN 8:1, DIV_0_TRP 4:1, UNALIGN_TRP 3:1, USERSETMPEND 1:1, NONBASETHRDENA 0:1"},
+      {4, 2, false, "MPU", "MPU_RASR 0xe000eda0: XN 28:1, AP 24:3, TEX 19:3, S 18:1, C 17:1, B 16:1, SRD 8:8, "
+                           "SIZE 1:5, ENABLE 0:1"},
       {33, 2, true, "MPU", "MPU_TYPE_NS 0xe002ed90 ReadOnly: IREGION 16:8, DREGION 8:8, SEPARATE 0:1"},
       {4, 2, false, "FPU", "FPCCR 0xe000ef34: ASPEN 31:1, LSPEN 30:1, MONRDY 8:1, BFRDY 6:1, MMRDY 5:1, HFRDY 4:1, "
                            "THREAD 3:1, USER 1:1, LSPACT 0:1"},

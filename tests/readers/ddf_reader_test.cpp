@@ -24,7 +24,8 @@ TEST(ReadersDDF, FirstTokenThatGivesAWidthPlacesTheField) {
   using Values = std::vector<std::string>;
   const std::pair<const char*, Values> cases[] = {
       {"bitRange=3", {"3 1"}}, {"bitRange=8-15", {"8 8"}}, {"bitMask=0x30", {"4 2"}}, {"bitMask=0x80000000", {"31 1"}},
-      {"bitMask=0, bitRange=2", {"2 1"}}, {"bitRange=1, bitMask=0xF0", {"1 1"}}, {"bitMask=0", {}}, {"bitRange=15-8", {}}};
+      {"bitMask=0, bitRange=2", {"2 1"}}, {"bitRange=1, bitMask=0xF0", {"1 1"}}, {"bitMask=0", {}}, {"bitRange=15-8", {}},
+      {"bitRange=0-4294967295", {}}};  // a width that wraps to 0 gives no field
   testing::ScratchFolder folder;
   for (const auto& [tokens, expected] : cases) {
     SVDFile document;
