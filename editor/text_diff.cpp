@@ -103,8 +103,8 @@ Classes makeClasses(std::vector<Line> left, std::vector<Line> right, TextDiff::S
 // ends a common subsequence of length l; those right lines rise strictly with l.
 class CandidateSearch {
  public:
-  CandidateSearch(const Classes& classes, int32_t leftLength, int32_t rightLength)
-      : classes_(classes), leftLength_(leftLength), rightLength_(rightLength) {
+  CandidateSearch(const Classes& classes, int32_t leftLength, int32_t rightLength, size_t limit)
+      : classes_(classes), leftLength_(leftLength), rightLength_(rightLength), limit_(std::min(limit, size_t(INT32_MAX))) {
     candidates_.push_back({0, 0, 0});
     best_.assign(size_t(std::min(leftLength, rightLength)) + 2, 0);
   }
@@ -123,7 +123,7 @@ class CandidateSearch {
   int32_t yOfBest(int32_t length) const { return candidates_[size_t(best_[size_t(length)])].y; }
   int32_t place(int32_t y) const;
   int32_t newCandidate(int32_t x, int32_t y, int32_t previous) {
-    if (candidates_.size() >= size_t(INT32_MAX)) throw std::length_error("list too long");
+    if (candidates_.size() >= limit_) throw std::length_error("list too long");
     candidates_.push_back({x, y, previous});
     return int32_t(candidates_.size() - 1);
   }
@@ -131,6 +131,7 @@ class CandidateSearch {
   const Classes& classes_;
   int32_t leftLength_;
   int32_t rightLength_;
+  size_t limit_;
   std::vector<Candidate> candidates_;
   std::vector<int32_t> best_;
   int32_t longest_ = 0;
@@ -184,6 +185,32 @@ void CandidateSearch::walkAsWritten() {
   }
 }
 
+// The positions of the member array whose right line is no best right line of any
+// length, as bits; all of them at the start.
+class FreePositions {
+ public:
+  explicit FreePositions(size_t count) : words_(count / 64 + 1, ~uint64_t{0}) {}
+
+  void set(int32_t position, bool isFree) {
+    const uint64_t bit = uint64_t{1} << (position & 63);
+    uint64_t& word = words_[size_t(position) >> 6];
+    word = isFree ? word | bit : word & ~bit;
+  }
+  // The first free position from `from` on, or `end` when there is none before it.
+  int32_t next(int32_t from, int32_t end) const {
+    size_t word = size_t(from) >> 6;
+    uint64_t bits = words_[word] & (~uint64_t{0} << (from & 63));
+    while (bits == 0) {
+      if (++word << 6 >= size_t(end)) return end;
+      bits = words_[word];
+    }
+    return std::min(end, int32_t((word << 6) + size_t(std::countr_zero(bits))));
+  }
+
+ private:
+  std::vector<uint64_t> words_;
+};
+
 // A left line changes the search only through the members of its class that are no
 // best right line yet ("free"): such a member y lies strictly between the best right
 // lines of two lengths l - 1 and l, and the lowest one there makes the new best of
@@ -210,20 +237,7 @@ void CandidateSearch::walkFast() {
     classEnd[start] = int32_t(end);
     start = end;
   }
-  std::vector<uint64_t> free(memberCount / 64 + 1, ~uint64_t{0});
-  auto setFree = [&](int32_t position, bool isFree) {
-    const uint64_t bit = uint64_t{1} << (position & 63);
-    free[size_t(position) >> 6] = isFree ? free[size_t(position) >> 6] | bit : free[size_t(position) >> 6] & ~bit;
-  };
-  auto nextFree = [&](int32_t from, int32_t end) {
-    size_t word = size_t(from) >> 6;
-    uint64_t bits = free[word] & (~uint64_t{0} << (from & 63));
-    while (bits == 0) {
-      if (++word << 6 >= size_t(end)) return end;
-      bits = free[word];
-    }
-    return std::min(end, int32_t((word << 6) + size_t(std::countr_zero(bits))));
-  };
+  FreePositions free(memberCount);
 
   struct Change {
     int32_t length;
@@ -236,22 +250,22 @@ void CandidateSearch::walkFast() {
     if (start == 0) continue;
     const int32_t end = classEnd[size_t(start)];
     changes.clear();
-    for (int32_t position = nextFree(start, end); position < end;) {
+    for (int32_t position = free.next(start, end); position < end;) {
       const int32_t y = serialAt[size_t(position)];
       const int32_t length = place(y);
       changes.push_back({length, y, best_[size_t(length - 1)]});
       if (length > longest_) break;
       const int32_t bound = yOfBest(length);
       position = int32_t(std::upper_bound(&serialAt[size_t(position)], &serialAt[size_t(end)], bound) - serialAt.data());
-      if (position < end) position = nextFree(position, end);
+      if (position < end) position = free.next(position, end);
     }
     for (const Change& change : changes) {
       if (change.length > longest_)
         ++longest_;
       else
-        setFree(positionOf[size_t(yOfBest(change.length))], true);
+        free.set(positionOf[size_t(yOfBest(change.length))], true);
       best_[size_t(change.length)] = newCandidate(i, change.y, change.previous);
-      setFree(positionOf[size_t(change.y)], false);
+      free.set(positionOf[size_t(change.y)], false);
     }
   }
 }
@@ -325,8 +339,10 @@ bool sameAt(const QString& left, int32_t i, const QString& right, int32_t j) { r
 // are measured by comparing texts first and hashes only where texts differ, and the
 // lines they hold need no hash at all.
 template <typename Sequence>
-std::vector<DiffHunk> diffSequences(const Sequence& left, const Sequence& right, TextDiff::Search search) {
-  if (size_t(left.size()) >= size_t(INT32_MAX) || size_t(right.size()) >= size_t(INT32_MAX)) throw std::length_error("list too long");
+std::vector<DiffHunk> diffSequences(const Sequence& left, const Sequence& right, TextDiff::Search search,
+                                    size_t candidateLimit) {
+  if (size_t(left.size()) >= size_t(INT32_MAX) || size_t(right.size()) >= size_t(INT32_MAX))
+    throw std::length_error("list too long");
   const int32_t leftLength = int32_t(left.size());
   const int32_t rightLength = int32_t(right.size());
   auto sameHash = [&](int32_t i, int32_t j) {
@@ -350,7 +366,7 @@ std::vector<DiffHunk> diffSequences(const Sequence& left, const Sequence& right,
     return lines;
   };
   const Classes classes = makeClasses(pruned(left, leftPruned), pruned(right, rightPruned), search);
-  CandidateSearch candidates(classes, leftPruned, rightPruned);
+  CandidateSearch candidates(classes, leftPruned, rightPruned, candidateLimit);
   if (search == TextDiff::Search::AsWritten)
     candidates.walkAsWritten();
   else
@@ -373,17 +389,17 @@ std::vector<DiffHunk> diffSequences(const Sequence& left, const Sequence& right,
 
 std::vector<DiffHunk> TextDiff::diff(const QStringList& left, const QStringList& right) const {
   if (left == right) return {};
-  return diffSequences(left, right, search_);
+  return diffSequences(left, right, search_, candidateLimit_);
 }
 
 std::vector<DiffHunk> TextDiff::diff(const QString& left, const QString& right) const {
   if (left == right) return {};
-  return diffSequences(left, right, search_);
+  return diffSequences(left, right, search_, candidateLimit_);
 }
 
 std::vector<DiffHunk> TextDiff::diffTexts(const QString& left, const QString& right) const {
   if (left == right) return {};
-  return diffSequences(lineViews(left), lineViews(right), search_);
+  return diffSequences(lineViews(left), lineViews(right), search_, candidateLimit_);
 }
 
 QStringList splitDiffLines(const QString& text) {

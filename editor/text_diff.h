@@ -5,6 +5,7 @@
 #pragma once
 #include <QString>
 #include <QStringList>
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -36,7 +37,14 @@ class TextDiff {
   // tested and timed against.
   enum class Search { Fast, AsWritten };
 
-  explicit TextDiff(Search search = Search::Fast) : search_(search) {}
+  // Texts with few distinct lines, each repeated all over both sides, make a number
+  // of candidate matches that grows with the product of their lengths. Past the limit
+  // (12 bytes a candidate: 400 MB by default) a comparison gives up with
+  // std::length_error("list too long") rather than fill the memory.
+  static constexpr size_t kDefaultCandidateLimit = size_t{1} << 25;
+
+  explicit TextDiff(Search search = Search::Fast, size_t candidateLimit = kDefaultCandidateLimit)
+      : search_(search), candidateLimit_(candidateLimit) {}
 
   // The hunks in file order; none for equal lists. Lines compare exactly.
   std::vector<DiffHunk> diff(const QStringList& left, const QStringList& right) const;
@@ -48,6 +56,7 @@ class TextDiff {
 
  private:
   Search search_;
+  size_t candidateLimit_;
 };
 
 // A file's text as lines to compare: split at each line feed, empty parts kept (a

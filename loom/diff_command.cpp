@@ -7,6 +7,7 @@
 
 #include <QStringDecoder>
 #include <cstdio>
+#include <stdexcept>
 #include <string>
 
 #include "base/input_file.h"
@@ -65,7 +66,11 @@ int runDiff(Arguments arguments) {
   }
   const TextFiles files = decode(bytes);
   regmill::DiffDisplay display(colour);
-  display.compareLists(files.lines[0], files.lines[1]);
+  try {
+    display.compareLists(files.lines[0], files.lines[1]);
+  } catch (const std::length_error&) {
+    return fail("too many lines of the two files match each other to compare them (list too long)", kTrouble);
+  }
   print(files.encoded(display.leftText()));
   print(files.encoded(display.rightText()));
   print(display.label().toUtf8() + '\n');

@@ -9,6 +9,7 @@
 #include <QHash>
 #include <filesystem>
 #include <random>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -158,6 +159,19 @@ TEST(TextDiff, RandomSmallAlphabetInputsFindALongestCommonSubsequence) {
     const std::vector<DiffHunk> hunks = checkedDiff(leftLines, rightLines);
     EXPECT_EQ(editCount(hunks), left.size() + right.size() - 2 * longestCommonSubsequence(leftLines, rightLines))
         << left << " / " << right;
+  }
+}
+
+// Two long random texts of two letters make candidates by the product of their
+// lengths; past the limit both searches give up alike.
+TEST(TextDiff, TooManyCandidatesEndInALengthError) {
+  std::mt19937 random(11);
+  std::string sides[2];
+  for (std::string& side : sides)
+    for (int line = 0; line < 400; ++line) side += char('a' + random() % 2);
+  for (TextDiff::Search search : {TextDiff::Search::Fast, TextDiff::Search::AsWritten}) {
+    EXPECT_THROW(TextDiff(search, 1000).diff(linesOf(sides[0]), linesOf(sides[1])), std::length_error);
+    EXPECT_NO_THROW(TextDiff(search).diff(linesOf(sides[0]), linesOf(sides[1])));
   }
 }
 
