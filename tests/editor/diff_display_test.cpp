@@ -1,7 +1,8 @@
 // The comparison display: the rows of both views for each kind of hunk written out
 // by hand, the marks inside a changed pair, the steps through the differences, and
-// the alignment of both views over random inputs.
+// the alignment of both views over random inputs; the simple comparison by index.
 #include "editor/diff_display.h"
+#include "editor/simple_text_diff.h"
 
 #include <gtest/gtest.h>
 
@@ -103,6 +104,28 @@ TEST(DiffDisplay, BothViewsHoldEveryLineInOrderAndEquallyManyRows) {
       EXPECT_LE(difference.rowBehindLast, display.rowCount());
     }
   }
+}
+
+TEST(SimpleTextDiff, PairsLinesByIndexAndStepsInACycleWithAStop) {
+  SimpleTextDiff diff;
+  diff.append({"same", "abcd", "x"}, {"same", "aXYd"});
+  EXPECT_EQ(diff.leftText(), escaped("same\na~[31mbc~[30md\n~[31mx~[30m\n"));
+  EXPECT_EQ(diff.rightText(), escaped("same\na~[31mXY~[30md\n~[31m~[30m\n"));  // both sides are marked
+  diff.append({"ab"}, {"abcd"});
+  EXPECT_EQ(diff.differentLines(), (std::vector<int32_t>{1, 2, 3}));
+  EXPECT_TRUE(diff.rightText().endsWith(escaped("ab~[31mcd~[30m\n")));
+
+  std::vector<int32_t> shown;
+  for (int step = 0; step < 5; ++step) shown.push_back(diff.locateNextDifferentLine());
+  shown.push_back(diff.locatePreviousDifferentLine());
+  shown.push_back(diff.locatePreviousDifferentLine());
+  EXPECT_EQ(shown, (std::vector<int32_t>{1, 2, 3, -1, 1, -1, 3}));
+  EXPECT_EQ(diff.locateCurrentDifferentLine(), 3);
+
+  SimpleTextDiff none;
+  none.append({"a"}, {"a"});
+  EXPECT_EQ(none.locateNextDifferentLine(), -1);
+  EXPECT_EQ(none.locatePreviousDifferentLine(), -1);
 }
 
 }  // namespace
