@@ -223,11 +223,9 @@ TEST(TextDiff, EditCountsEqualGnuDiffMinimalOnRealPairs) {
     const std::string leftFile = folder.write("left", left.join('\n').toLatin1().toStdString() + "\n");
     const std::string rightFile = folder.write("right", right.join('\n').toLatin1().toStdString() + "\n");
     const auto gnu = testing::runProgram("/usr/bin/diff", {"--minimal", leftFile, rightFile}, folder.path());
-    int64_t gnuCount = 0;
-    for (size_t at = 0; at < gnu.out.size(); at = gnu.out.find('\n', at) + 1) {
-      if (gnu.out[at] == '<' || gnu.out[at] == '>') ++gnuCount;
-      if (gnu.out.find('\n', at) == std::string::npos) break;
-    }
+    int64_t gnuCount = 0;  // lines of the script that GNU diff prints with < or >
+    for (const QString& line : QString::fromStdString(gnu.out).split('\n'))
+      gnuCount += line.startsWith('<') || line.startsWith('>');
     QHash<QString, QString> renamed;  // one character from 1 to 0xFFFE: distinct hashes
     auto rename = [&](const QStringList& lines) {
       QStringList result;
