@@ -41,7 +41,8 @@ class FileBinaryEdit : public BinaryEditInterface {
  public:
   // An empty path gives an empty, writable array. Otherwise a file that isn't
   // writable starts read-only, and an existing file is read whole.
-  // `questions` answers the check before saveAs writes; it must outlive this object.
+  // `questions` answers the check before saveAs writes and must outlive this object;
+  // without it saveAs refuses, as no one could be asked.
   FileBinaryEdit(const QString& path, SaveQuestions* questions);
 
   uint32_t size() const override { return uint32_t(bytes_.size()); }
