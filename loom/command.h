@@ -19,12 +19,14 @@ struct Command {
 std::span<const Command> commands();
 const Command* findCommand(std::string_view name);
 
-// Prints "loom: " and the text on stderr and gives the exit code of a failure (1).
-int fail(std::string_view text);
+// Prints "loom: " and the text on stderr and gives the exit code of a failure (1
+// unless the command's convention names another).
+int fail(std::string_view text, int exitCode = 1);
 
 int runHelp(Arguments arguments);
 int runHex(Arguments arguments);
 int runPkg(Arguments arguments);
 int runScript(Arguments arguments);
+int runDiff(Arguments arguments);
 
 }  // namespace loom

@@ -13,6 +13,8 @@ constexpr Command kCommands[] = {
      "List, extract or create a package archive, or fetch a file over HTTP", runPkg},
     {"script", "FILE [FILE...]", "Run script files in one context, with print(...) writing lines to stdout",
      runScript},
+    {"diff", "LEFT RIGHT [--no-color]", "Compare two text files line by line; exit 0 when equal, 1 when not, 2 on error",
+     runDiff},
 };
 
 std::span<const Command> commands() { return kCommands; }
@@ -23,9 +25,9 @@ const Command* findCommand(std::string_view name) {
   return nullptr;
 }
 
-int fail(std::string_view text) {
+int fail(std::string_view text, int exitCode) {
   std::fprintf(stderr, "loom: %.*s\n", int(text.size()), text.data());
-  return 1;
+  return exitCode;
 }
 
 }  // namespace loom
