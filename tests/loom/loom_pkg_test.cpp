@@ -24,8 +24,8 @@ TEST(LoomPkg, CreatesListsAndExtractsATreeOrFailsInOneLine) {
   auto made = runLoom({"pkg", "create", "b", "tree", "--format", "2", "--compression", "bzip2", "--level", "1"}, folder.path());
   ASSERT_EQ(made.exitCode, 0) << made.err;
   EXPECT_EQ(folder.read("b").substr(4, 2) + folder.read("b").substr(8, 4), "\x02\x10" "BZh1");  // layout 2, bzip2 level 1
-  auto list = runLoom({"pkg", "list", "b"}, folder.path());
-  EXPECT_EQ(list.out, "      3000 sub/deeper/data.bin\n         0 sub/empty\n         4 top.txt\n");
+  EXPECT_EQ(runLoom({"pkg", "list", "b"}, folder.path()).out,
+            "      3000 sub/deeper/data.bin\n         0 sub/empty\n         4 top.txt\n");
   EXPECT_EQ(runLoom({"pkg", "extract", "b", "out"}, folder.path()).exitCode, 0);
   EXPECT_EQ(folder.read("out/sub/deeper/data.bin"), folder.read("tree/sub/deeper/data.bin"));
   EXPECT_EQ(folder.read("out/top.txt"), "top\n");
