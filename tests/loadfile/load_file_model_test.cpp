@@ -11,20 +11,14 @@ namespace regmill {
 namespace {
 
 using testing::dumpSections;
-using testing::ScratchFolder;
 using testing::thrownText;
 
 TEST(BinaryLoadFile, OneDataSectionAtTheLoadAddressRebuiltOnlyWhenItMoves) {
-  ScratchFolder folder;
-  BinaryLoadFile empty(folder.write("empty.bin", ""));
-  EXPECT_FALSE(empty.hasAddresses());
-  ASSERT_EQ(empty.sections().sections.size(), 1u);
-  EXPECT_EQ(empty.sections().sections[0]->size(), 0u);
-  EXPECT_STREQ(empty.sections().sections[0]->name(), "data");
-
+  testing::ScratchFolder folder;
   BinaryLoadFile file(folder.write("image.bin", std::string("\x01\x02\x00\x03", 4)));
-  EXPECT_EQ(dumpSections(file), "00000000: 01 02 00 03\n");
+  EXPECT_FALSE(file.hasAddresses());
   const LoadFileSectionInterface* first = file.sections().sections[0].get();
+  EXPECT_STREQ(first->name(), "data");
   file.setLoadAddress(0);
   EXPECT_EQ(file.sections().sections[0].get(), first) << "the same address keeps the section";
   file.setLoadAddress(0x08000000);
@@ -35,7 +29,7 @@ TEST(BinaryLoadFile, OneDataSectionAtTheLoadAddressRebuiltOnlyWhenItMoves) {
   EXPECT_EQ(thrownText([&] { BinaryLoadFile{directory}; }), "cannot read " + directory);
 }
 
-TEST(LoadFileSection, WritableDataIsOneCopyThatLeavesTheBytesAsRead) {
+TEST(LoadFileSection, WritableDataIsOneCopyThatLeavesTheBytesAsReadAndSectionsCanFail) {
   const uint8_t bytes[] = {1, 2, 3};
   StandardLoadFileSection section("s", 0x100, 3, bytes);
   uint8_t* copy = section.writableData();
@@ -45,10 +39,15 @@ TEST(LoadFileSection, WritableDataIsOneCopyThatLeavesTheBytesAsRead) {
   EXPECT_EQ(section.data(true)[0], 0x99);
   section.discardCopy();
   EXPECT_EQ(section.data(true), bytes);
+
+  struct Unreadable : StandardLoadFile {
+    bool readSections() override { return false; }
+  } file;
+  EXPECT_EQ(thrownText([&] { file.sections(); }), "cannot read sections from load file");
 }
 
-TEST(MakeContiguous, GapsTakeTheFillTheLaterSectionWinsAndSortingKeepsTies) {
-  ScratchFolder folder;
+TEST(MakeContiguous, GapsTakeTheFillTheLaterSectionWinsAndHugeSpansAreRefused) {
+  testing::ScratchFolder folder;
   // Sections in list order: 0x104..0x107, then 0x100..0x101, then 0x105 again.
   HexLoadFile file(folder.write("parts.lst", "00000104 A4 A5 A6 A7\n00000100 01 02\n00000105 55\n"));
   file.sortSections();
@@ -57,28 +56,17 @@ TEST(MakeContiguous, GapsTakeTheFillTheLaterSectionWinsAndSortingKeepsTies) {
   ASSERT_EQ(file.sections().sections.size(), 1u);
   EXPECT_STREQ(file.sections().sections[0]->name(), "Contiguous section");
   EXPECT_EQ(dumpSections(file), "00000100: 01 02 FF FF A4 55 A6 A7\n");
-}
 
-TEST(MakeContiguous, EmptyAndTopOfMemoryImagesStayAndHugeSpansAreRefused) {
-  ScratchFolder folder;
   BinaryLoadFile empty(folder.write("empty.bin", ""));
   empty.makeContiguous(0xFF);
+  EXPECT_EQ(dumpSections(empty), "00000000:\n");
   EXPECT_STREQ(empty.sections().sections[0]->name(), "data");
-
   // The image's last byte is at 0xFFFFFFFF: its end doesn't fit 32 bits.
   HexLoadFile top(folder.write("top.lst", "FFFFFFFE 01\nFFFFFFFF 02\n"));
   top.makeContiguous(0);
   EXPECT_EQ(dumpSections(top), "FFFFFFFE: 01 02\n");
-
   HexLoadFile far(folder.write("far.lst", "00000000 01\nF0000000 02\n"));
   EXPECT_EQ(thrownText([&] { far.makeContiguous(0); }), "contiguous image larger than 256 MiB");
-}
-
-TEST(StandardLoadFile, SectionsFailWhenTheyCannotBeRead) {
-  struct Unreadable : StandardLoadFile {
-    bool readSections() override { return false; }
-  } file;
-  EXPECT_EQ(thrownText([&] { file.sections(); }), "cannot read sections from load file");
 }
 
 }  // namespace

@@ -1,10 +1,7 @@
 // Starts tests/packages/http_test_server.py on an ephemeral port of 127.0.0.1 for the
 // length of a test. The server ends when this object closes its stdin.
 #pragma once
-#include <QByteArray>
 #include <QProcess>
-#include <QStandardPaths>
-#include <QString>
 #include <string>
 
 namespace regmill::testing {
@@ -13,9 +10,7 @@ class HttpTestServer {
  public:
   // Serves the bytes of `sourceFile`; port() is 0 when python3 or the server is missing.
   explicit HttpTestServer(const std::string& sourceFile) {
-    QString python = QStandardPaths::findExecutable("python3");
-    if (python.isEmpty()) return;
-    process_.start(python, {PACKAGES_TEST_DIR "/http_test_server.py", QString::fromStdString(sourceFile)});
+    process_.start("python3", {PACKAGES_TEST_DIR "/http_test_server.py", QString::fromStdString(sourceFile)});
     if (!process_.waitForStarted(10000)) return;
     while (!process_.canReadLine() && process_.waitForReadyRead(10000)) {
     }
@@ -27,9 +22,7 @@ class HttpTestServer {
     process_.waitForFinished(5000);
   }
   int port() const { return port_; }
-  std::string url(const std::string& path) const {
-    return "http://127.0.0.1:" + std::to_string(port_) + path;
-  }
+  std::string url(const std::string& path) const { return "http://127.0.0.1:" + std::to_string(port_) + path; }
 
  private:
   QProcess process_;

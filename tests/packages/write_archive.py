@@ -1,11 +1,10 @@
 #!/usr/bin/env python3
-"""An independent writer of package archives, made from the layout alone, so that the
-reader is checked against bytes it didn't write itself.
-
-Usage: write_archive.py OUT VERSION ALGORITHM    (VERSION 1 or 2, ALGORITHM zlib or bzip2)
-Writes three files: "hello.txt" (b"hello\\n", read-only, time 1e9), "dir/data.bin"
-(bytes 0..255 forty times, mode 0o100755, time 1.5e9) and "empty" (mode 0o100644, time 0).
-"""
+# An independent writer of package archives, made from the layout alone, so that the
+# reader is checked against bytes it didn't write itself.
+#
+# Usage: write_archive.py OUT VERSION ALGORITHM    (VERSION 1 or 2, ALGORITHM zlib or bz2)
+# Writes three files: "hello.txt" (b"hello\n", read-only, time 1e9), "dir/data.bin"
+# (bytes 0..255 forty times, mode 0o100755, time 1.5e9) and "empty" (mode 0o100644, time 0).
 import bz2
 import struct
 import sys
