@@ -31,6 +31,20 @@ void CodeEdit::clearUndo() {
   undone_.clear();
 }
 
+uint32_t CodeEdit::lineFlags(int index) const {
+  auto record = buffer_.lineAt(index);
+  return record == buffer_.end() ? 0 : record->flags;
+}
+
+void CodeEdit::setLineFlags(int index, uint32_t flags) {
+  auto record = buffer_.lineAt(index);
+  if (record != buffer_.end()) record->flags = flags;
+}
+
+void CodeEdit::clearLineFlagEverywhere(uint32_t flag) {
+  for (CodeLine& record : buffer_) record.flags &= ~flag;
+}
+
 bool CodeEdit::canEdit() {
   if (editState_ == Editable) return true;
   if (editState_ == ReadOnly || readOnlyHandler_ == nullptr) return false;
@@ -64,6 +78,19 @@ void CodeEdit::setSelection(CodeBufferPosition anchor, CodeBufferPosition end, S
 }
 
 void CodeEdit::clearSelection() { setSelection({}, {}, selectionMode_); }
+
+std::pair<CodeBufferPosition, CodeBufferPosition> CodeEdit::wordAt(CodeBufferPosition position) const {
+  const QString text = buffer_.line(position.line);
+  int column = std::clamp(position.column, 0, int(text.size()));
+  if (column == text.size() || !isWordCharacter(text[column])) {
+    if (column == 0 || !isWordCharacter(text[column - 1])) return {position, position};
+    --column;
+  }
+  int from = column, to = column;
+  while (from > 0 && isWordCharacter(text[from - 1])) --from;
+  while (to < text.size() && isWordCharacter(text[to])) ++to;
+  return {{position.line, from}, {position.line, to}};
+}
 
 int CodeEdit::screenColumn(int line, int column) const {
   const QString text = buffer_.line(line);

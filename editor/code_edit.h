@@ -8,6 +8,7 @@
 #include <QString>
 #include <deque>
 #include <memory>
+#include <utility>
 
 #include "base/status.h"
 #include "editor/code_buffer.h"
@@ -59,6 +60,10 @@ class CodeEdit : public QObject {
   const CodeBuffer& buffer() const { return buffer_; }
   int lineCount() const { return buffer_.lineCount(); }
   QString line(int index) const { return buffer_.line(index); }
+  // A line's flags (bit 0: a bookmark); they move with the line and aren't undone.
+  uint32_t lineFlags(int index) const;
+  void setLineFlags(int index, uint32_t flags);
+  void clearLineFlagEverywhere(uint32_t flag);
   // The whole text, lines joined by "\n".
   QString text() const;
   // Replaces the document without undo and clears the undo lists.
@@ -93,6 +98,10 @@ class CodeEdit : public QObject {
   SelectionMode selectionMode() const { return selectionMode_; }
   void setSelection(CodeBufferPosition anchor, CodeBufferPosition end, SelectionMode mode = SelectionMode::Stream);
   void clearSelection();
+  // The run of letters, digits and "_" that the position touches (the one at it first,
+  // else the one ending at it); an empty range when there is none.
+  std::pair<CodeBufferPosition, CodeBufferPosition> wordAt(CodeBufferPosition position) const;
+  static bool isWordCharacter(QChar c) { return c.isLetterOrNumber() || c == u'_'; }
   // The column on screen of a column of a line, tabs expanded.
   int screenColumn(int line, int column) const;
   int blockLeftColumn() const { return std::min(blockAnchorColumn_, blockEndColumn_); }
