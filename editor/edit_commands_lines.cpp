@@ -47,10 +47,12 @@ QString EditCommands::runOfWhitespace(int startColumn, int width) const {
 
 // Each line that differs is replaced as one change of that line.
 void EditCommands::replaceLines(int first, int last, const QStringList& lines) {
+  const CodeBufferPosition caret = editor_.caret();
   for (int line = first; line < last; ++line) {
     const QString old = editor_.line(line);
     if (old != lines[line - first]) editor_.replaceText({line, 0}, old, lines[line - first]);
   }
+  editor_.setCaret(caret);
 }
 
 // --- comments
@@ -186,12 +188,13 @@ void EditCommands::tab() {
   const int indentSize = std::max(1, editor_.settings().indentSize);
   if (editor_.hasSelection() && editor_.selectionStart().line != editor_.selectionLast().line) {
     editor_.beginEdit(0, kIndentKind);
+    const int caretLine = editor_.caret().line;
     auto [first, last] = selectedLines();
     for (int line = first; line < last; ++line)
       if (editor_.settings().indentPreprocessorLines || !editor_.line(line).startsWith(u'#')) indentLine(line);
     const CodeBufferPosition end = last < editor_.lineCount() ? CodeBufferPosition(last, 0) : editor_.buffer().endPosition();
     editor_.setSelection({first, 0}, end);
-    editor_.setCaret({editor_.caret().line, 0});
+    editor_.setCaret({caretLine, 0});
     editor_.endEdit(0);
     return;
   }
