@@ -77,13 +77,20 @@ bool TextFinder::find(CodeBufferPosition start, const QString& findText, const F
   const int startLine = std::clamp(start.line, 0, lineCount - 1);
   int line = startLine;
   int column = start.column;
+  bool wrapped = false;
   for (;;) {
     const QString text = editor_.line(line);
     const LineMatch match = matchInLine(expression_, text, column, options);
-    if (match.found()) {
+    // Back on the start line after a wrap, only the part not yet searched counts.
+    const bool backOnStart = wrapped && line == startLine;
+    if (match.found() && (!backOnStart || (backwards ? match.column > start.column : match.column < start.column))) {
       editor_.setSelection({line, match.column}, {line, match.column + match.length});
       editor_.setCaret({line, match.column + match.length});
       return true;
+    }
+    if (backOnStart) {
+      if (report) editor_.showStatus(QStringLiteral("Can't find '%1'").arg(findText));
+      return false;
     }
     line += backwards ? -1 : 1;
     if (line < 0 || line >= lineCount) {
@@ -91,10 +98,7 @@ bool TextFinder::find(CodeBufferPosition start, const QString& findText, const F
       if (report)
         editor_.showStatus(backwards ? QStringLiteral("Passed the start of file") : QStringLiteral("Passed the end of file"));
       line = backwards ? lineCount - 1 : 0;
-    }
-    if (line == startLine) {
-      if (report) editor_.showStatus(QStringLiteral("Can't find '%1'").arg(findText));
-      return false;
+      wrapped = true;
     }
     column = backwards ? int(editor_.line(line).size()) : 0;
   }
