@@ -94,7 +94,9 @@ DecodedFile decodeFile(const QByteArray& bytes, const QString& requestedEncoding
   file.encoding = chooseEncoding(requestedEncoding, file.byteOrderMark, body, settings);
   // The mark is the file's, not the text's: the codec must neither eat nor add one.
   QTextDecoder decoder(codecNamed(file.encoding), QTextCodec::IgnoreHeader);
-  const QString text = decoder.toUnicode(body.data(), int(body.size()));
+  QString text = decoder.toUnicode(body.data(), int(body.size()));
+  // A sequence cut off by the end of the file would otherwise vanish without a trace.
+  if (decoder.needsMoreData()) text += QChar::ReplacementCharacter;
   splitLines(text, file);
   return file;
 }
