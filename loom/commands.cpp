@@ -7,6 +7,8 @@ namespace loom {
 // One row per subcommand, in the order `loom help` lists them.
 constexpr Command kCommands[] = {
     {"help", "[COMMAND]", "List the commands, or show how to use one", runHelp},
+    {"edit", "FILE [--encoding NAME] [--do COMMAND]... [--replace FIND WITH]... [--save-as OUT] [--batch]",
+     "Edit a text file in a window, or run editing commands on it and save it", runEdit},
 };
 
 std::span<const Command> commands() { return kCommands; }
