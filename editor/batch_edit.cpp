@@ -2,6 +2,7 @@
 
 #include <QTextCodec>
 
+#include "editor/code_file.h"
 #include "editor/edit_commands.h"
 
 namespace regmill {
@@ -55,6 +56,10 @@ Status runBatchEdit(const BatchEdit& edit, QString* notice) {
   editor.setMessageHandler(&messages);
   editor.setEncodingName(edit.encoding);
   if (!editor.load(edit.file)) return Status::failure(messages.text.toStdString());
+  // Saving text that lost bytes in decoding would change the file behind the user's back.
+  if (editor.lossyDecoding())
+    return Status::failure(edit.file.toStdString() + " is not valid " + codecNamed(editor.encodingName())->name().toStdString() +
+                           "; name its encoding with --encoding");
   if (notice != nullptr) *notice = messages.text;
   editor.setEditState(CodeEdit::Editable);  // asking for the edit is the user's consent
   for (const BatchStep& step : edit.steps) {

@@ -137,6 +137,8 @@ class CodeEdit : public QObject {
   int lineEnding() const { return lineEnding_; }
   void setLineEnding(int ending) { lineEnding_ = ending; }
   QDateTime fileTime() const { return fileTime_; }
+  // Whether some bytes of the loaded file had no character in its codec.
+  bool lossyDecoding() const { return lossyDecoding_; }
   qint64 fileSize() const { return fileSize_; }
   // Reads a file; false, with the message shown, when it can't be opened or locked.
   bool load(const QString& path);
@@ -184,6 +186,7 @@ class CodeEdit : public QObject {
   int lineEnding_ = UnknownEnding;
   QDateTime fileTime_;
   qint64 fileSize_ = 0;
+  bool lossyDecoding_ = false;
 };
 
 }  // namespace regmill

@@ -32,6 +32,7 @@ bool CodeEdit::load(const QString& path) {
   encodingName_ = decoded.encoding;
   byteOrderMark_ = decoded.byteOrderMark;
   lineEnding_ = decoded.lineEnding;
+  lossyDecoding_ = decoded.lossy;
   if (decoded.inconsistentLineEndings) {
     showMessage(QStringLiteral("Inconsistent line endings"),
                 QStringLiteral("This file %1 has inconsistent line endings; all line endings have been changed to "

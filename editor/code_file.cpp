@@ -96,6 +96,7 @@ DecodedFile decodeFile(const QByteArray& bytes, const QString& requestedEncoding
   QTextDecoder decoder(codecNamed(file.encoding), QTextCodec::IgnoreHeader);
   QString text = decoder.toUnicode(body.data(), int(body.size()));
   // A sequence cut off by the end of the file would otherwise vanish without a trace.
+  file.lossy = decoder.hasFailure() || decoder.needsMoreData();
   if (decoder.needsMoreData()) text += QChar::ReplacementCharacter;
   splitLines(text, file);
   return file;

@@ -32,6 +32,7 @@ struct DecodedFile {
   int byteOrderMark = 0;
   int lineEnding = 3;  // 0 CR LF, 1 LF, 2 CR, 3 no line end seen
   bool inconsistentLineEndings = false;
+  bool lossy = false;  // some bytes had no character in the codec
 };
 
 // A NUL byte is kept as a character, so that saving never truncates a file.

@@ -4,6 +4,7 @@
 
 #include <QTextCodec>
 #include <cstdio>
+#include <cstring>
 
 #include "editor/code_edit.h"
 #include "editor/code_file.h"
