@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <optional>
+#include <random>
 
 #include "tests/editor/editor_fixture.h"
 #include "tests/editor/editor_printers.h"
@@ -296,6 +298,65 @@ TEST(EditCommands, ReadOnlyEditorsIgnoreCommands) {
   for (const QString& name : EditCommands::slotNames()) (bench.commands.*EditCommands::slotNamed(name))();
   EXPECT_EQ(bench.editor.text(), "b\na");
   EXPECT_FALSE(bench.editor.canUndo());
+}
+
+}  // namespace
+}  // namespace regmill
+
+namespace regmill {
+namespace {
+
+// Random commands on random text with random selections: undoing all gives back the
+// text and the caret from before the first change, redoing all the text and caret
+// after the last one, and a new edit after an undo empties the redo list.
+TEST(EditCommandsProperty, UndoAllAndRedoAllOverRandomCommandSequences) {
+  const QStringList names = EditCommands::slotNames();
+  const QString pieces[] = {"foo_bar", "  ", "\t", "//", "0xab", "Zed", "\n", "x y z", "\"q\\\"\" w"};
+  std::mt19937 random(2026);
+  int changedRounds = 0;
+  for (int round = 0; round < 150; ++round) {
+    testing::CommandBench bench;
+    QString text;
+    for (int piece = int(random() % 30); piece > 0; --piece) text += pieces[random() % std::size(pieces)];
+    bench.editor.setText(text);
+    bench.editor.settings().insertTabs = random() % 2;
+    bench.clipboard.setText("clip\nboard");
+    std::optional<CodeBufferPosition> caretBefore;
+    CodeBufferPosition caretAfter;
+    std::vector<std::string> steps;
+    for (int step = 0; step < 12; ++step) {
+      auto randomPosition = [&] {
+        const int line = int(random() % bench.editor.lineCount());
+        return CodeBufferPosition(line, int(random() % (bench.editor.buffer().lineLength(line) + 2)));
+      };
+      const CodeBufferPosition caret = randomPosition();
+      if (random() % 2) bench.editor.setSelection(randomPosition(), caret);
+      else bench.editor.clearSelection();
+      bench.editor.setCaret(caret);
+      const QString name = names[int(random() % names.size())];
+      steps.push_back(name.toStdString());
+      const size_t before = bench.editor.doneTransactions().size();
+      (bench.commands.*EditCommands::slotNamed(name))();
+      if (bench.editor.doneTransactions().size() != before) {
+        if (!caretBefore) caretBefore = caret;
+        caretAfter = bench.editor.caret();
+      }
+    }
+    const QString final = bench.editor.text();
+    changedRounds += final != text;
+    bench.editor.undoAll();
+    ASSERT_EQ(bench.editor.text(), text) << ::testing::PrintToString(steps);
+    if (caretBefore) EXPECT_EQ(bench.editor.caret(), *caretBefore) << ::testing::PrintToString(steps);
+    bench.editor.redoAll();
+    ASSERT_EQ(bench.editor.text(), final) << ::testing::PrintToString(steps);
+    if (caretBefore) EXPECT_EQ(bench.editor.caret(), caretAfter);
+    if (bench.editor.canUndo()) {
+      bench.editor.undo();
+      bench.commands.typeText("!");
+      EXPECT_FALSE(bench.editor.canRedo());
+    }
+  }
+  EXPECT_GT(changedRounds, 120);  // the sequences do change the text
 }
 
 }  // namespace
