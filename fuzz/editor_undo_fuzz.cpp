@@ -1,0 +1,37 @@
+// Edit sequences read from the input, run through the editor's primitives and its
+// commands: undoing all must give back the original text, and redoing all the final one.
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+
+#include "editor/edit_commands.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  if (size > 2048) return 0;
+  regmill::CodeEdit editor;
+  regmill::MemoryClipboard clipboard;
+  regmill::EditCommands commands(editor, clipboard);
+  const QString original = QStringLiteral("first line\n\tsecond // x\n\nfoo_bar 0xab\n  last");
+  editor.setText(original);
+  static const QString pieces[] = {"a", "\n", "\r\n", " ", "\t", "//", "ab_c", "X\nY"};
+  const QStringList names = regmill::EditCommands::slotNames();
+  size_t at = 0;
+  auto next = [&] { return at < size ? data[at++] : 0; };
+  while (at + 4 <= size) {
+    const int kind = next() % 4;
+    const regmill::CodeBufferPosition from(next() % (editor.lineCount() + 2), next() % 16);
+    const regmill::CodeBufferPosition to(next() % (editor.lineCount() + 1), next() % 16);
+    switch (kind) {
+      case 0: editor.insertText(from, pieces[next() % std::size(pieces)]); break;
+      case 1: editor.deleteRange(from, to); break;
+      case 2: editor.setSelection(from, to); editor.setCaret(to); break;
+      default: (commands.*regmill::EditCommands::slotNamed(names[next() % names.size()]))(); break;
+    }
+  }
+  const QString final = editor.text();
+  editor.undoAll();
+  if (editor.text() != original) std::abort();
+  editor.redoAll();
+  if (editor.text() != final) std::abort();
+  return 0;
+}
