@@ -240,26 +240,19 @@ void CodeEdit::redo() {
   endEdit(3090);
 }
 
-void CodeEdit::undoAll() {
+// Both run in one bracket until their list is empty, and say how many steps they took.
+void CodeEdit::repeatAll(void (CodeEdit::*step)(), bool (CodeEdit::*more)() const, const char* message) {
   int count = 0;
   beginEdit(0, 0);
-  while (canUndo() && canEdit()) {
-    undo();
+  while ((this->*more)() && canEdit()) {
+    (this->*step)();
     ++count;
   }
   endEdit(0);
-  showStatus(QStringLiteral("Undone %1 actions").arg(count));
+  showStatus(QString::fromLatin1(message).arg(count));
 }
 
-void CodeEdit::redoAll() {
-  int count = 0;
-  beginEdit(0, 0);
-  while (canRedo() && canEdit()) {
-    redo();
-    ++count;
-  }
-  endEdit(0);
-  showStatus(QStringLiteral("Redone %1 actions").arg(count));
-}
+void CodeEdit::undoAll() { repeatAll(&CodeEdit::undo, &CodeEdit::canUndo, "Undone %1 actions"); }
+void CodeEdit::redoAll() { repeatAll(&CodeEdit::redo, &CodeEdit::canRedo, "Redone %1 actions"); }
 
 }  // namespace regmill

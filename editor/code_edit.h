@@ -160,6 +160,7 @@ class CodeEdit : public QObject {
   void swapText(CodeBufferPosition position, const QString& current, const QString& replacement);
   void signalLineChange(int linesBefore, int line);
   void clearUndo();
+  void repeatAll(void (CodeEdit::*step)(), bool (CodeEdit::*more)() const, const char* message);
 
   CodeEditSettings settings_;
   CodeBuffer buffer_;

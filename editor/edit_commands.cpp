@@ -274,53 +274,38 @@ void EditCommands::copyAppend() {
   if (editor_.hasSelection()) copyText(selectedText(), true);
 }
 
-void EditCommands::copyLines() {
-  record(19);
+void EditCommands::copySelectedLines(int number, bool append) {
+  record(number);
   auto [first, last] = selectedLines();
-  copyText(editor_.textOf({first, 0}, {std::max(last, first + 1), 0}), false);
+  copyText(editor_.textOf({first, 0}, {std::max(last, first + 1), 0}), append);
 }
 
-void EditCommands::copyLinesAppend() {
-  record(20);
-  auto [first, last] = selectedLines();
-  copyText(editor_.textOf({first, 0}, {std::max(last, first + 1), 0}), true);
-}
+void EditCommands::copyLines() { copySelectedLines(19, false); }
+void EditCommands::copyLinesAppend() { copySelectedLines(20, true); }
 
-void EditCommands::cut() {
-  if (!editor_.hasSelection()) return record(11);
-  copyText(selectedText(), false);
-  if (!beginCommand(11, kCutKind)) return;
+void EditCommands::cutSelection(int number, bool append) {
+  if (!editor_.hasSelection()) return record(number);
+  copyText(selectedText(), append);
+  if (!beginCommand(number, kCutKind)) return;
   deleteSelection();
   editor_.endEdit(0);
 }
 
-void EditCommands::cutAppend() {
-  if (!editor_.hasSelection()) return record(12);
-  copyText(selectedText(), true);
-  if (!beginCommand(12, kCutKind)) return;
-  deleteSelection();
-  editor_.endEdit(0);
-}
+void EditCommands::cut() { cutSelection(11, false); }
+void EditCommands::cutAppend() { cutSelection(12, true); }
 
-void EditCommands::cutLines() {
+void EditCommands::cutSelectedLines(int number, bool append) {
   auto [first, last] = selectedLines();
   last = std::max(last, first + 1);
-  copyText(editor_.textOf({first, 0}, {last, 0}), false);
-  if (!beginCommand(13, kCutKind)) return;
+  copyText(editor_.textOf({first, 0}, {last, 0}), append);
+  if (!beginCommand(number, kCutKind)) return;
   editor_.deleteRange({first, 0}, {last, 0});
   moveCaret({first, 0});
   editor_.endEdit(0);
 }
 
-void EditCommands::cutLinesAppend() {
-  auto [first, last] = selectedLines();
-  last = std::max(last, first + 1);
-  copyText(editor_.textOf({first, 0}, {last, 0}), true);
-  if (!beginCommand(14, kCutKind)) return;
-  editor_.deleteRange({first, 0}, {last, 0});
-  moveCaret({first, 0});
-  editor_.endEdit(0);
-}
+void EditCommands::cutLines() { cutSelectedLines(13, false); }
+void EditCommands::cutLinesAppend() { cutSelectedLines(14, true); }
 
 void EditCommands::paste() {
   if (!beginCommand(30, kPasteKind)) return;

@@ -182,6 +182,9 @@ class EditCommands {
   void sortLines(bool descending, int kind);
   void align(int mode);
   void copyText(const QString& text, bool append);
+  void copySelectedLines(int number, bool append);
+  void cutSelection(int number, bool append);
+  void cutSelectedLines(int number, bool append);
   void jumpToBookmark(int line);
   int columnForScreen(int line, int screenColumn) const;
   QString runOfWhitespace(int startColumn, int width) const;

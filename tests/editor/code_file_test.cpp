@@ -9,22 +9,16 @@
 #include "editor/code_edit.h"
 #include "editor/code_file.h"
 #include "tests/editor/editor_printers.h"
+#include "tests/support/regmill_process.h"
 #include "tests/support/scratch_folder.h"
 
 namespace regmill {
 namespace {
 
 using testing::ScratchFolder;
+using testing::shellOutput;
 
 // What a command prints on stdout, or nullopt when it fails.
-std::optional<std::string> commandOutput(const std::string& command) {
-  std::FILE* pipe = ::popen(command.c_str(), "r");
-  if (pipe == nullptr) return std::nullopt;
-  std::string out;
-  char chunk[4096];
-  for (size_t got; (got = std::fread(chunk, 1, sizeof chunk, pipe)) > 0;) out.append(chunk, got);
-  return ::pclose(pipe) == 0 ? std::optional(out) : std::nullopt;
-}
 
 struct Recorder : MessageHandler {
   QStringList shown;
@@ -50,7 +44,7 @@ const Sample kSamples[] = {
 };
 
 TEST(CodeFile, EncodingsMatchIconvAndUnchangedSavesAreByteIdentical) {
-  if (!commandOutput("command -v iconv")) GTEST_SKIP() << "iconv is not installed";
+  if (!shellOutput("command -v iconv")) GTEST_SKIP() << "iconv is not installed";
   ScratchFolder folder;
   const struct {
     const char* name;
@@ -64,11 +58,11 @@ TEST(CodeFile, EncodingsMatchIconvAndUnchangedSavesAreByteIdentical) {
       for (size_t at = 0; (at = source.find('\n', at)) != std::string::npos; at += std::strlen(ending.bytes))
         source.replace(at, 1, ending.bytes);
       folder.write("source.txt", source);
-      auto converted = commandOutput("iconv -f UTF-8 -t " + std::string(sample.encoding) + " " + folder.file("source.txt"));
+      auto converted = shellOutput("iconv -f UTF-8 -t " + std::string(sample.encoding) + " " + folder.file("source.txt"));
       ASSERT_TRUE(converted) << label;
       const std::string path = folder.write("file.txt", std::string(sample.mark) + *converted);
       // What iconv reads back from the file, without the mark, is the text to expect.
-      auto expected = commandOutput("tail -c +" + std::to_string(std::strlen(sample.mark) + 1) + " " + path +
+      auto expected = shellOutput("tail -c +" + std::to_string(std::strlen(sample.mark) + 1) + " " + path +
                                     " | iconv -f " + sample.encoding + " -t UTF-8");
       ASSERT_TRUE(expected) << label;
 

@@ -14,15 +14,8 @@ namespace {
 
 using regmill::testing::runLoom;
 using regmill::testing::ScratchFolder;
+using regmill::testing::shellOutput;
 
-std::optional<std::string> shellOutput(const std::string& command) {
-  std::FILE* pipe = ::popen(command.c_str(), "r");
-  if (pipe == nullptr) return std::nullopt;
-  std::string out;
-  char chunk[4096];
-  for (size_t got; (got = std::fread(chunk, 1, sizeof chunk, pipe)) > 0;) out.append(chunk, got);
-  return ::pclose(pipe) == 0 ? std::optional(out) : std::nullopt;
-}
 
 // Lines of ASCII words, blanks and tabs, some with white space at their ends.
 std::string randomText(unsigned seed, int lines) {
