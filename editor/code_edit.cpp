@@ -174,6 +174,7 @@ void CodeEdit::swapText(CodeBufferPosition position, const QString& current, con
 void CodeEdit::replaceText(CodeBufferPosition position, const QString& oldText, const QString& newText, bool record) {
   if (!canEdit() || !position.isValid()) return;
   beginEdit(0, 0);
+  ensurePosition(position);
   ++editCounter_;
   swapText(position, oldText, newText);
   if (record && !replaying_ && oldText != newText)

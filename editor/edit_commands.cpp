@@ -75,8 +75,10 @@ void EditCommands::insertAtCaret(const QString& text) { editor_.insertText(edito
 
 std::pair<int, int> EditCommands::selectedLines() const {
   if (!editor_.hasSelection()) return {editor_.caret().line, editor_.caret().line + 1};
+  // A selection may reach into virtual space below the last line; only real lines count.
   const CodeBufferPosition start = editor_.selectionStart(), end = editor_.selectionLast();
-  return {start.line, end.column > 0 ? end.line + 1 : end.line};
+  const int count = editor_.lineCount();
+  return {std::min(start.line, count - 1), std::min(end.column > 0 ? end.line + 1 : end.line, count)};
 }
 
 // --- moves
@@ -150,7 +152,97 @@ void EditCommands::selectWord() {
   editor_.setCaret(to);
 }
 
+// A word move skips the white space and punctuation before the word it reaches, and
+// stops at the ends of lines.
+CodeBufferPosition EditCommands::wordStartBefore(CodeBufferPosition position) const {
+  const QString text = editor_.line(position.line);
+  int column = std::min(position.column, int(text.size()));
+  if (column == 0) return position.line > 0 ? CodeBufferPosition(position.line - 1, editor_.buffer().lineLength(position.line - 1)) : position;
+  while (column > 0 && !CodeEdit::isWordCharacter(text[column - 1])) --column;
+  while (column > 0 && CodeEdit::isWordCharacter(text[column - 1])) --column;
+  return {position.line, column};
+}
+
+CodeBufferPosition EditCommands::wordEndBehind(CodeBufferPosition position) const {
+  const QString text = editor_.line(position.line);
+  int column = position.column;
+  if (column >= text.size()) return position.line + 1 < editor_.lineCount() ? CodeBufferPosition(position.line + 1, 0) : position;
+  while (column < text.size() && CodeEdit::isWordCharacter(text[column])) ++column;
+  while (column < text.size() && !CodeEdit::isWordCharacter(text[column])) ++column;
+  return {position.line, column};
+}
+
+void EditCommands::wordLeft() {
+  record(54);
+  moveCaret(wordStartBefore(editor_.caret()));
+}
+
+void EditCommands::wordRight() {
+  record(56);
+  moveCaret(wordEndBehind(editor_.caret()));
+}
+
+void EditCommands::lineStartToggle() {
+  record(66);
+  const CodeBufferPosition caret = editor_.caret();
+  const QString text = editor_.line(caret.line);
+  int indentation = 0;
+  while (indentation < text.size() && text[indentation].isSpace()) ++indentation;
+  moveCaret({caret.line, caret.column == indentation ? 0 : indentation});
+}
+
+void EditCommands::overwriteToggle() {
+  record(107);
+  editor_.settings().overwrite = !editor_.settings().overwrite;
+}
+
+void EditCommands::undo() {
+  record(41);
+  editor_.undo();
+}
+
+void EditCommands::redo() {
+  record(42);
+  editor_.redo();
+}
+
+void EditCommands::undoAll() {
+  record(43);
+  editor_.undoAll();
+}
+
+void EditCommands::redoAll() {
+  record(44);
+  editor_.redoAll();
+}
+
 // --- typing and deleting
+
+void EditCommands::deleteTo(int number, CodeBufferPosition from, CodeBufferPosition to) {
+  if (!beginCommand(number, kDeleteKind)) return;
+  if (editor_.hasSelection()) {
+    deleteSelection();
+  } else if (from != to) {
+    editor_.deleteRange(from, to);
+    editor_.setCaret(std::min(from, to));
+  }
+  editor_.endEdit(0);
+}
+
+void EditCommands::deleteWordLeft() { deleteTo(9, wordStartBefore(editor_.caret()), editor_.caret()); }
+void EditCommands::deleteWordRight() { deleteTo(10, editor_.caret(), wordEndBehind(editor_.caret())); }
+
+void EditCommands::deleteWord() {
+  auto [from, to] = editor_.wordAt(editor_.caret());
+  deleteTo(111, from, to);
+}
+
+void EditCommands::deleteStartOfLine() { deleteTo(112, {editor_.caret().line, 0}, editor_.buffer().clamp(editor_.caret())); }
+
+void EditCommands::deleteEndOfLine() {
+  const CodeBufferPosition caret = editor_.buffer().clamp(editor_.caret());
+  deleteTo(113, caret, {caret.line, editor_.buffer().lineLength(caret.line)});
+}
 
 void EditCommands::typeText(const QString& text) {
   record(kTypeCommand, text);

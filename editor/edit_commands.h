@@ -71,12 +71,21 @@ class EditCommands {
   void selectAll();
   void selectLine();
   void selectWord();
+  void wordLeft();
+  void wordRight();
+  void lineStartToggle();  // to the first non-blank character, or to column 0 from there
+  void overwriteToggle();
 
   // --- typing and deleting
   void typeText(const QString& text);       // as typed, replacing a selection
   void overwriteText(const QString& text);  // over the characters at the caret
   void deleteBack();
   void deleteForward();
+  void deleteWordLeft();
+  void deleteWordRight();
+  void deleteWord();
+  void deleteStartOfLine();
+  void deleteEndOfLine();
   void deleteLine();
   void duplicateLine();
   void insertLineAbove();
@@ -147,6 +156,12 @@ class EditCommands {
   void bookmarkLast();
   void bookmarkClearAll();
 
+  // --- undo and redo as commands, so that they are recorded
+  void undo();
+  void redo();
+  void undoAll();
+  void redoAll();
+
   // --- repeat count: 1 to 9 set it, 0 clears it
   void setArgument(int digit);
 
@@ -173,6 +188,9 @@ class EditCommands {
   void record(int number, const QString& text = {});
   int takeRepeatCount();
   void moveCaret(CodeBufferPosition caret);
+  CodeBufferPosition wordStartBefore(CodeBufferPosition position) const;
+  CodeBufferPosition wordEndBehind(CodeBufferPosition position) const;
+  void deleteTo(int number, CodeBufferPosition from, CodeBufferPosition to);
   void changeCase(int kind, QString (*convert)(const QString&));
   void replaceLines(int first, int last, const QStringList& lines);
   void insertIndentation(CodeBufferPosition position, int columns);

@@ -32,11 +32,20 @@ const NamedSlot kSlots[] = {
     {34, "pasteAll", &E::pasteAll},
     {35, "convertToString", &E::convertToString},
     {36, "convertToHTML", &E::convertToHTML},
+    {9, "deleteWordLeft", &E::deleteWordLeft},
+    {10, "deleteWordRight", &E::deleteWordRight},
+    {41, "undo", &E::undo},
+    {42, "redo", &E::redo},
+    {43, "undoAll", &E::undoAll},
+    {44, "redoAll", &E::redoAll},
     {45, "enter", &E::enter},
     {48, "charLeft", &E::charLeft},
     {51, "charRight", &E::charRight},
+    {54, "wordLeft", &E::wordLeft},
+    {56, "wordRight", &E::wordRight},
     {58, "lineUp", &E::lineUp},
     {62, "lineDown", &E::lineDown},
+    {66, "lineStartToggle", &E::lineStartToggle},
     {68, "lineEnd", &E::lineEnd},
     {73, "commentSelection", &E::commentSelection},
     {74, "uncommentSelection", &E::uncommentSelection},
@@ -66,7 +75,11 @@ const NamedSlot kSlots[] = {
     {104, "bookmarkFirst", &E::bookmarkFirst},
     {105, "bookmarkLast", &E::bookmarkLast},
     {106, "bookmarkClearAll", &E::bookmarkClearAll},
+    {107, "overwriteToggle", &E::overwriteToggle},
     {110, "deleteLine", &E::deleteLine},
+    {111, "deleteWord", &E::deleteWord},
+    {112, "deleteStartOfLine", &E::deleteStartOfLine},
+    {113, "deleteEndOfLine", &E::deleteEndOfLine},
     {116, "transposeLines", &E::transposeLines},
     {117, "transposeWords", &E::transposeWords},
     {0, "swapCommentSelection", &E::swapCommentSelection},
@@ -85,10 +98,6 @@ const NamedSlot kSlots[] = {
 
 bool EditCommands::runCommand(int number, const QString& text) {
   switch (number) {
-    case 41: editor_.undo(); return true;
-    case 42: editor_.redo(); return true;
-    case 43: editor_.undoAll(); return true;
-    case 44: editor_.redoAll(); return true;
     case 131: typeText(text); return true;
     case 132: overwriteText(text); return true;
   }

@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <cstdlib>
 
+#include <QRegularExpression>
+
 #include "editor/edit_commands.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
@@ -14,13 +16,16 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const QString original = QStringLiteral("first line\n\tsecond // x\n\nfoo_bar 0xab\n  last");
   editor.setText(original);
   static const QString pieces[] = {"a", "\n", "\r\n", " ", "\t", "//", "ab_c", "X\nY"};
-  const QStringList names = regmill::EditCommands::slotNames();
+  // Undo and redo as steps would change what redoing all gives.
+  static const QStringList names = regmill::EditCommands::slotNames().filter(QRegularExpression("^(?!undo|redo)"));
   size_t at = 0;
   auto next = [&] { return at < size ? data[at++] : 0; };
   while (at + 4 <= size) {
     const int kind = next() % 4;
-    const regmill::CodeBufferPosition from(next() % (editor.lineCount() + 2), next() % 16);
-    const regmill::CodeBufferPosition to(next() % (editor.lineCount() + 1), next() % 16);
+    // One byte after the other, in an order that doesn't depend on the compiler.
+    const int fromLine = next() % (editor.lineCount() + 2), fromColumn = next() % 16;
+    const int toLine = next() % (editor.lineCount() + 1), toColumn = next() % 16;
+    const regmill::CodeBufferPosition from(fromLine, fromColumn), to(toLine, toColumn);
     switch (kind) {
       case 0: editor.insertText(from, pieces[next() % std::size(pieces)]); break;
       case 1: editor.deleteRange(from, to); break;

@@ -120,8 +120,8 @@ void CodeEditWindow::buildMenus() {
   addCommand(file, "quit", tr("&Quit"), QKeySequence::Quit, [this] { close(); });
 
   QMenu* edit = menuBar()->addMenu(tr("&Edit"));
-  addCommand(edit, "undo", tr("&Undo"), QKeySequence::Undo, [this] { editor_.undo(); });
-  addCommand(edit, "redo", tr("&Redo"), QKeySequence::Redo, [this] { editor_.redo(); });
+  addCommand(edit, "undo", tr("&Undo"), QKeySequence::Undo, [this] { commands_.undo(); });
+  addCommand(edit, "redo", tr("&Redo"), QKeySequence::Redo, [this] { commands_.redo(); });
   addCommand(edit, "cut", tr("Cu&t"), QKeySequence::Cut, [this] { commands_.cut(); });
   addCommand(edit, "copy", tr("&Copy"), QKeySequence::Copy, [this] { commands_.copy(); });
   addCommand(edit, "paste", tr("&Paste"), QKeySequence::Paste, [this] { commands_.paste(); });
@@ -146,6 +146,7 @@ void CodeEditWindow::buildMenus() {
   };
   QMenu* commands = menuBar()->addMenu(tr("&Commands"));
   for (const QString& name : EditCommands::slotNames()) {
+    if (action(kebabCase(name)) != nullptr) continue;  // already in the Edit menu
     const EditCommands::Slot slot = EditCommands::slotNamed(name);
     addCommand(commands, kebabCase(name), name, keys.value(name), [this, slot] { (commands_.*slot)(); });
   }
