@@ -52,13 +52,41 @@ void EditCommands::setArgument(int digit) {
 
 // --- selection
 
+bool EditCommands::blockSelected() const {
+  return editor_.hasSelection() && editor_.selectionMode() == SelectionMode::Block;
+}
+
+std::pair<int, int> EditCommands::blockColumns(int line) const {
+  const int length = editor_.buffer().lineLength(line);
+  return {std::min(columnForScreen(line, editor_.blockLeftColumn()), length),
+          std::min(columnForScreen(line, editor_.blockRightColumn()), length)};
+}
+
 QString EditCommands::selectedText() const {
-  return editor_.hasSelection() ? editor_.textOf(editor_.selectionStart(), editor_.selectionLast()) : QString();
+  if (!editor_.hasSelection()) return QString();
+  if (!blockSelected()) return editor_.textOf(editor_.selectionStart(), editor_.selectionLast());
+  // A block's text is its part of each line, the parts joined by newlines.
+  QStringList parts;
+  for (int line = editor_.selectionStart().line; line <= editor_.selectionLast().line; ++line) {
+    auto [from, to] = blockColumns(line);
+    parts.append(editor_.line(line).mid(from, to - from));
+  }
+  return parts.join(u'\n');
 }
 
 void EditCommands::deleteSelection() {
   if (!editor_.hasSelection()) return;
   const CodeBufferPosition start = editor_.selectionStart();
+  if (blockSelected()) {
+    const int left = editor_.blockLeftColumn();
+    for (int line = start.line; line <= editor_.selectionLast().line; ++line) {
+      auto [from, to] = blockColumns(line);
+      editor_.deleteRange({line, from}, {line, to});
+    }
+    editor_.clearSelection();
+    editor_.setCaret({start.line, columnForScreen(start.line, left)});
+    return;
+  }
   editor_.deleteRange(start, editor_.selectionLast());
   editor_.clearSelection();
   editor_.setCaret(start);
@@ -66,12 +94,29 @@ void EditCommands::deleteSelection() {
 
 void EditCommands::replaceSelection(const QString& text) {
   editor_.beginEdit(0, 0);
-  deleteSelection();
-  editor_.insertText(editor_.caret(), text);
+  if (blockSelected()) {
+    // The lines of the text go one below the other at the block's left column.
+    const int first = editor_.selectionStart().line, left = editor_.blockLeftColumn();
+    deleteSelection();
+    const QStringList parts = text.split(u'\n');
+    for (int index = 0; index < parts.size(); ++index)
+      editor_.insertText({first + index, columnForScreen(first + index, left)}, parts[index]);
+  } else {
+    deleteSelection();
+    editor_.insertText(editor_.caret(), text);
+  }
   editor_.endEdit(0);
 }
 
-void EditCommands::insertAtCaret(const QString& text) { editor_.insertText(editor_.caret(), text); }
+void EditCommands::insertAtCaret(const QString& text) {
+  if (blockSelected() && editor_.selectionStart().line != editor_.selectionLast().line) {
+    const int left = editor_.blockLeftColumn();
+    for (int line = editor_.selectionStart().line; line <= editor_.selectionLast().line; ++line)
+      editor_.insertText({line, columnForScreen(line, left)}, text);
+    return;
+  }
+  editor_.insertText(editor_.caret(), text);
+}
 
 std::pair<int, int> EditCommands::selectedLines() const {
   if (!editor_.hasSelection()) return {editor_.caret().line, editor_.caret().line + 1};

@@ -51,7 +51,8 @@ class EditCommands {
   TextFinder& finder() { return finder_; }
   ClipboardRing& clipboardRing() { return ring_; }
 
-  // --- the selection in words of lines
+  // --- the selection in words of lines; a block selection is a rectangle of columns
+  // on screen over its lines
   QString selectedText() const;
   void replaceSelection(const QString& text);
   void deleteSelection();
@@ -195,6 +196,7 @@ class EditCommands {
   void replaceLines(int first, int last, const QStringList& lines);
   void insertIndentation(CodeBufferPosition position, int columns);
   void indentLine(int line);
+  void shiftBlock(int columns);
   void rewriteWhitespace(int y0, int y1, bool toTabs);
   void moveLines(int direction);
   void sortLines(bool descending, int kind);
@@ -205,6 +207,9 @@ class EditCommands {
   void cutSelectedLines(int number, bool append);
   void jumpToBookmark(int line);
   int columnForScreen(int line, int screenColumn) const;
+  bool blockSelected() const;
+  // The block's columns on a line, within the line's text.
+  std::pair<int, int> blockColumns(int line) const;
   QString runOfWhitespace(int startColumn, int width) const;
 
   CodeEdit& editor_;

@@ -105,7 +105,12 @@ void EditCommands::swapCommentSelection() {
 
 void EditCommands::sortLines(bool descending, int kind) {
   if (!beginCommand(descending ? 76 : 75, kind)) return;
-  if (editor_.hasSelection()) {
+  if (blockSelected()) {
+    QStringList lines = selectedText().split(u'\n');
+    if (descending) std::stable_sort(lines.begin(), lines.end(), [](const QString& a, const QString& b) { return b < a; });
+    else std::stable_sort(lines.begin(), lines.end());
+    replaceSelection(lines.join(u'\n'));
+  } else if (editor_.hasSelection()) {
     auto [first, last] = selectedLines();
     QStringList lines;
     for (int line = first; line < last; ++line) lines.append(editor_.line(line));
@@ -186,6 +191,10 @@ void EditCommands::tab() {
   record(88);
   if (!editor_.canEdit()) return;
   const int indentSize = std::max(1, editor_.settings().indentSize);
+  if (blockSelected() && editor_.selectionStart().line != editor_.selectionLast().line) {
+    shiftBlock(indentSize - editor_.blockLeftColumn() % indentSize);
+    return;
+  }
   if (editor_.hasSelection() && editor_.selectionStart().line != editor_.selectionLast().line) {
     editor_.beginEdit(0, kIndentKind);
     const int caretLine = editor_.caret().line;
@@ -206,8 +215,39 @@ void EditCommands::tab() {
   editor_.endEdit(0);
 }
 
+// Blanks at the block's left column on each of its lines move the block right; white
+// space before it removed moves it left. Both ends and the caret move along.
+void EditCommands::shiftBlock(int columns) {
+  editor_.beginEdit(0, columns > 0 ? kIndentKind : kOutdentKind);
+  const CodeBufferPosition anchor = editor_.selectionAnchor(), end = editor_.selectionEnd(), caret = editor_.caret();
+  const int left = editor_.blockLeftColumn();
+  int shift = columns;
+  if (columns < 0) {
+    // As far as every line has white space before the block.
+    for (int line = editor_.selectionStart().line; line <= editor_.selectionLast().line; ++line) {
+      const QString text = editor_.line(line);
+      int column = std::min(columnForScreen(line, left), int(text.size())), free = 0;
+      while (column > 0 && text[column - 1] == u' ' && free < -columns) --column, ++free;
+      shift = std::max(shift, -free);
+    }
+  }
+  for (int line = editor_.selectionStart().line; line <= editor_.selectionLast().line && shift != 0; ++line) {
+    const int column = columnForScreen(line, left);
+    if (shift > 0) editor_.insertText({line, column}, QString(shift, u' '));
+    else editor_.deleteRange({line, column + shift}, {line, column});
+  }
+  auto moved = [shift](CodeBufferPosition p) { return CodeBufferPosition(p.line, std::max(0, p.column + shift)); };
+  editor_.setSelection(moved(anchor), moved(end), SelectionMode::Block);
+  editor_.setCaret(moved(caret));
+  editor_.endEdit(0);
+}
+
 void EditCommands::backtab() {
-  if (!beginCommand(89, kOutdentKind)) return;
+  record(89);
+  if (!editor_.canEdit()) return;
+  if (blockSelected() && editor_.selectionStart().line != editor_.selectionLast().line)
+    return shiftBlock(-std::max(1, editor_.settings().indentSize));
+  editor_.beginEdit(0, kOutdentKind);
   auto [first, last] = selectedLines();
   last = std::max(last, first + 1);
   const CodeBufferPosition caret = editor_.caret();

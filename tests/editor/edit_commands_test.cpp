@@ -372,3 +372,42 @@ TEST(EditCommandsProperty, UndoAllAndRedoAllOverRandomCommandSequences) {
 
 }  // namespace
 }  // namespace regmill
+
+namespace regmill {
+namespace {
+
+// A block selection: the same ends, taken as a rectangle of columns on screen.
+void makeBlock(testing::CommandBench& bench) {
+  bench.editor.setSelection(bench.editor.selectionAnchor(), bench.editor.selectionEnd(), SelectionMode::Block);
+}
+
+TEST(EditCommands, BlockSelectionsWorkOnTheirColumnsOfEachLine) {
+  testing::CommandBench text("a[bcd\nefg]h\nij");
+  makeBlock(text);
+  EXPECT_EQ(text.commands.selectedText(), "bc\nfg");
+
+  testing::CommandBench sort("x [b1\nx a2\nx c3]");
+  makeBlock(sort);
+  sort.commands.sortAscending();
+  EXPECT_EQ(sort.editor.text(), "x a2\nx b1\nx c3");
+  sort.editor.undo();
+  EXPECT_EQ(sort.editor.text(), "x b1\nx a2\nx c3");
+
+  testing::CommandBench tab("a[bc\nde]f");
+  makeBlock(tab);
+  tab.commands.tab();
+  EXPECT_EQ(tab.state(), "a   [bc\nd   e]f");
+  tab.commands.backtab();
+  EXPECT_EQ(tab.state(), "a[bc\nde]f");
+  tab.commands.backtab();  // no white space before the block: nothing moves
+  EXPECT_EQ(tab.state(), "a[bc\nde]f");
+
+  testing::CommandBench short_("ab[cd\nx\nefgh]");  // a short line inside the block
+  makeBlock(short_);
+  EXPECT_EQ(short_.commands.selectedText(), "cd\n\ngh");
+  short_.commands.deleteSelection();
+  EXPECT_EQ(short_.editor.text(), "ab\nx\nef");
+}
+
+}  // namespace
+}  // namespace regmill
