@@ -29,7 +29,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     switch (kind) {
       case 0: editor.insertText(from, pieces[next() % std::size(pieces)]); break;
       case 1: editor.deleteRange(from, to); break;
-      case 2: editor.setSelection(from, to); editor.setCaret(to); break;
+      case 2: editor.setSelection(from, to, regmill::SelectionMode(next() % 2)); editor.setCaret(to); break;
       default: (commands.*regmill::EditCommands::slotNamed(names[next() % names.size()]))(); break;
     }
   }

@@ -341,7 +341,7 @@ TEST(EditCommandsProperty, UndoAllAndRedoAllOverRandomCommandSequences) {
         return CodeBufferPosition(line, int(random() % (bench.editor.buffer().lineLength(line) + 2)));
       };
       const CodeBufferPosition caret = randomPosition();
-      if (random() % 2) bench.editor.setSelection(randomPosition(), caret);
+      if (random() % 2) bench.editor.setSelection(randomPosition(), caret, SelectionMode(random() % 2));
       else bench.editor.clearSelection();
       bench.editor.setCaret(caret);
       const QString name = names[int(random() % names.size())];
