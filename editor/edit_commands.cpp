@@ -28,8 +28,9 @@ constexpr int kOverwriteCommand = 132;
 EditCommands::EditCommands(CodeEdit& editor, Clipboard& clipboard)
     : editor_(editor), clipboard_(clipboard), finder_(editor) {}
 
+// Only the command the user gave is recorded, not those it runs inside its bracket.
 void EditCommands::record(int number, const QString& text) {
-  if (recorderState == Recording && number > 0) keystrokes().push_back({number, text});
+  if (recorderState == Recording && number > 0 && !editor_.isEditing()) keystrokes().push_back({number, text});
 }
 
 bool EditCommands::beginCommand(int number, int kind, int flags) {
