@@ -1,6 +1,5 @@
 #include "editor/code_edit.h"
 
-
 namespace regmill {
 
 namespace {
@@ -17,9 +16,8 @@ CodeEdit::~CodeEdit() = default;
 QString CodeEdit::text() const { return buffer_.textOf({0, 0}, buffer_.endPosition()); }
 
 void CodeEdit::setText(const QString& text) {
-  CodeBuffer fresh;
-  fresh.insert({0, 0}, text);
-  buffer_ = fresh;
+  buffer_.assign({});
+  buffer_.insert({0, 0}, text);
   buffer_.setModified(false);
   caret_ = {0, 0};
   clearSelection();
