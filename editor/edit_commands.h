@@ -201,6 +201,7 @@ class EditCommands {
   void moveLines(int direction);
   void sortLines(bool descending, int kind);
   void align(int mode);
+  QStringList alignedLines(const QStringList& lines, int mode) const;
   void copyText(const QString& text, bool append);
   void copySelectedLines(int number, bool append);
   void cutSelection(int number, bool append);

@@ -314,34 +314,63 @@ void EditCommands::untabify() {
   untabify(editor_.selectionStart().line, editor_.selectionLast().line);
 }
 
-// --- alignment. Blank lines neither count nor change.
+// --- alignment. Blank lines neither count nor change. A block aligns its part of
+// each line; a stream selection its lines.
 
-void EditCommands::align(int mode) {
-  if (!editor_.hasSelection()) return record(mode == 0 ? 96 : mode == 1 ? 97 : 98);
-  if (!beginCommand(mode == 0 ? 96 : mode == 1 ? 97 : 98, kAlignKind)) return;
-  auto [first, last] = selectedLines();
-  if (mode != 0 && last > first) untabify(first, last - 1);
+namespace {
+
+int widthOf(QStringView text, int tabSize) {
+  int width = 0;
+  for (QChar c : text) width = c == u'\t' ? (width / tabSize + 1) * tabSize : width + 1;
+  return width;
+}
+
+QString expandTabs(const QString& text, int tabSize) {
+  QString expanded;
+  for (QChar c : text) expanded += c == u'\t' ? QString(tabSize - expanded.size() % tabSize, u' ') : QString(c);
+  return expanded;
+}
+
+}  // namespace
+
+QStringList EditCommands::alignedLines(const QStringList& lines, int mode) const {
+  const int tabSize = std::max(1, editor_.settings().tabSize);
   int smallest = 9999, widest = 0;
-  QStringList stripped;
-  for (int line = first; line < last; ++line) {
-    const QString text = editor_.line(line);
+  for (const QString& text : lines) {
     const int length = leadingWhitespaceLength(text);
-    stripped.append(text.mid(length));
     if (length == text.size()) continue;
-    smallest = std::min(smallest, editor_.screenColumn(line, length));
-    widest = std::max(widest, editor_.screenColumn(line, int(text.size())));
+    smallest = std::min(smallest, widthOf(QStringView(text).left(length), tabSize));
+    widest = std::max(widest, widthOf(text, tabSize));
   }
-  QStringList lines;
-  for (int line = first; line < last; ++line) {
-    const QString& body = stripped[line - first];
+  QStringList aligned;
+  for (const QString& text : lines) {
+    const QString body = text.mid(leadingWhitespaceLength(text));
     if (body.isEmpty()) {
-      lines.append(editor_.line(line));
+      aligned.append(text);
       continue;
     }
     const int width = mode == 0 ? smallest : mode == 1 ? widest - int(body.size()) : (widest - int(body.size()) + smallest) / 2;
-    lines.append((mode == 0 ? runOfWhitespace(0, width) : QString(width, u' ')) + body);
+    aligned.append((mode == 0 ? runOfWhitespace(0, width) : QString(width, u' ')) + body);
   }
-  replaceLines(first, last, lines);
+  return aligned;
+}
+
+void EditCommands::align(int mode) {
+  const int number = mode == 0 ? 96 : mode == 1 ? 97 : 98;
+  if (!editor_.hasSelection()) return record(number);
+  if (!beginCommand(number, kAlignKind)) return;
+  if (blockSelected()) {
+    QStringList lines = selectedText().split(u'\n');
+    if (mode != 0)
+      for (QString& text : lines) text = expandTabs(text, std::max(1, editor_.settings().tabSize));
+    replaceSelection(alignedLines(lines, mode).join(u'\n'));
+  } else {
+    auto [first, last] = selectedLines();
+    if (mode != 0 && last > first) untabify(first, last - 1);
+    QStringList lines;
+    for (int line = first; line < last; ++line) lines.append(editor_.line(line));
+    replaceLines(first, last, alignedLines(lines, mode));
+  }
   editor_.endEdit(0);
 }
 

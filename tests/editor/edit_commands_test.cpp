@@ -403,6 +403,11 @@ TEST(EditCommands, BlockSelectionsWorkOnTheirColumnsOfEachLine) {
   tab.commands.backtab();  // no white space before the block: nothing moves
   EXPECT_EQ(tab.state(), "a[bc\nde]f");
 
+  testing::CommandBench right("x [a\ny bbb]");  // a block aligns its part of each line
+  makeBlock(right);
+  right.commands.alignRight();
+  EXPECT_EQ(right.editor.text(), "x   a\ny bbb");
+
   testing::CommandBench short_("ab[cd\nx\nefgh]");  // a short line inside the block
   makeBlock(short_);
   EXPECT_EQ(short_.commands.selectedText(), "cd\n\ngh");
