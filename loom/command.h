@@ -28,5 +28,6 @@ int runHex(Arguments arguments);
 int runPkg(Arguments arguments);
 int runScript(Arguments arguments);
 int runDiff(Arguments arguments);
+int runEdit(Arguments arguments);
 
 }  // namespace loom

@@ -15,6 +15,8 @@ constexpr Command kCommands[] = {
      runScript},
     {"diff", "LEFT RIGHT [--no-color]", "Compare two text files line by line; exit 0 when equal, 1 when not, 2 on error",
      runDiff},
+    {"edit", "FILE [--encoding NAME] [--do COMMAND]... [--replace FIND WITH]... [--save-as OUT] [--batch]",
+     "Edit a text file in a window, or run editing commands on it and save it", runEdit},
 };
 
 std::span<const Command> commands() { return kCommands; }

@@ -1,6 +1,7 @@
 #include "tests/support/regmill_process.h"
 
 #include <fcntl.h>
+#include <cstdio>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -65,6 +66,15 @@ ProcessResult runRegmill(const std::vector<std::string>& arguments, const std::f
 ProcessResult runLoom(const std::vector<std::string>& arguments, const std::filesystem::path& folder,
                       const std::string& input) {
   return runProgram(LOOM_BINARY, arguments, folder, {}, input);
+}
+
+std::optional<std::string> shellOutput(const std::string& command) {
+  std::FILE* pipe = ::popen(command.c_str(), "r");
+  if (pipe == nullptr) return std::nullopt;
+  std::string out;
+  char chunk[4096];
+  for (size_t got; (got = std::fread(chunk, 1, sizeof chunk, pipe)) > 0;) out.append(chunk, got);
+  return ::pclose(pipe) == 0 ? std::optional(out) : std::nullopt;
 }
 
 }  // namespace regmill::testing

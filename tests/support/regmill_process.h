@@ -3,6 +3,7 @@
 #pragma once
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -25,5 +26,9 @@ ProcessResult runRegmill(const std::vector<std::string>& arguments, const std::f
                          const std::function<void()>& beforeExec = {});
 ProcessResult runLoom(const std::vector<std::string>& arguments, const std::filesystem::path& folder,
                       const std::string& input = {});
+
+// What a shell command prints on stdout, or nothing when it fails: for peers such as
+// iconv and sort that a test compares with.
+std::optional<std::string> shellOutput(const std::string& command);
 
 }  // namespace regmill::testing

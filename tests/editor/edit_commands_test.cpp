@@ -1,0 +1,419 @@
+// The editing commands on documents written with their caret and selection.
+#include <gtest/gtest.h>
+
+#include <QRegularExpression>
+#include <functional>
+#include <optional>
+#include <random>
+
+#include "tests/editor/editor_fixture.h"
+#include "tests/editor/editor_printers.h"
+
+namespace regmill {
+namespace {
+
+using testing::CommandBench;
+
+struct Case {
+  const char* name;
+  std::function<void(EditCommands&)> run;
+  const char* before;
+  const char* after;
+};
+
+void runCases(std::initializer_list<Case> cases, const std::function<void(CodeEditSettings&)>& configure = {}) {
+  for (const Case& c : cases) {
+    CommandBench bench(QString::fromUtf8(c.before));
+    if (configure) configure(bench.editor.settings());
+    c.run(bench.commands);
+    EXPECT_EQ(bench.state(), QString::fromUtf8(c.after)) << c.name;
+    // Every change is one undo step that gives the document back.
+    if (bench.editor.canUndo()) {
+      bench.editor.undo();
+      EXPECT_EQ(bench.editor.text(), QString::fromUtf8(c.before).remove(u'[').remove(u']').remove(u'|')) << c.name;
+    }
+  }
+}
+
+#define COMMAND(slot) [](EditCommands& e) { e.slot(); }
+
+TEST(EditCommands, CommentsMarkTheSelectedLinesAtColumnZero) {
+  runCases({
+      {"comment", COMMAND(commentSelection), "a\n[b\nc\nd\n]e", "a\n[//b\n//c\n//d\n]e"},
+      {"comment to the end", COMMAND(commentSelection), "[a\nb]", "[//a\n//b]"},
+      {"comment caret", COMMAND(commentSelection), "ab|cd", "//ab|cd"},
+      {"uncomment", COMMAND(uncommentSelection), "[//a\n  //b\n//c\n]", "[a\n  //b\nc\n]"},
+      {"uncomment caret", COMMAND(uncommentSelection), "//a|b", "a|b"},
+      {"uncomment caret near start", COMMAND(uncommentSelection), "/|/a", "|a"},
+      {"uncomment without marker", COMMAND(uncommentSelection), "x|y", "x|y"},
+      {"swap comments", COMMAND(swapCommentSelection), "a|", "//a|"},
+      {"swap indented marker", COMMAND(swapCommentSelection), "  //a|", "  //a|"},
+  });
+}
+
+TEST(EditCommands, CaseChangesCharacterByCharacterAndKeepTheSelection) {
+  runCases({
+      {"upper word", COMMAND(uppercase), "foo b|ar baz", "foo [B|AR] baz"},
+      {"upper keeps length", COMMAND(uppercase), "[straße]", "[STRAßE]"},
+      {"lower", COMMAND(lowercase), "[AbC]", "[abc]"},
+      {"switch", COMMAND(switchcase), "[aB1c]", "[Ab1C]"},
+      {"hex", COMMAND(uppercaseHex), "[0xab 0Xcd]", "[0xAB 0xCD]"},
+      {"no word", COMMAND(uppercase), "a | b", "a | b"},
+  });
+  // Converting the whole string at once would grow it: the editor converts each
+  // character by itself.
+  EXPECT_EQ(QString::fromUtf8("ß").toUpper(), "SS");
+}
+
+TEST(EditCommands, CamelCaseAndSplitCaseRewriteIdentifiers) {
+  struct Row {
+    const char* from;
+    const char* camel;
+  } camel[] = {{"foo_bar", "fooBar"}, {"foo__bar", "foo_Bar"}, {"foo_", "foo_"}, {"foo_1", "foo1"}, {"_x", "X"}};
+  for (const Row& row : camel) {
+    CommandBench bench(QString("[%1]").arg(row.from));
+    bench.commands.camelcase();
+    EXPECT_EQ(bench.editor.text(), row.camel) << row.from;
+    EXPECT_FALSE(bench.editor.hasSelection());
+  }
+  Row split[] = {{"fooBar", "foo_bar"}, {"FooBar", "Foo_bar"}, {"aBC", "a_bC"}, {"x1Y", "x1Y"}};
+  for (const Row& row : split) {
+    CommandBench bench(QString("[%1]").arg(row.from));
+    bench.commands.splitcase();
+    EXPECT_EQ(bench.editor.text(), row.camel) << row.from;
+  }
+}
+
+TEST(EditCommands, SortingAndMovingLines) {
+  runCases({
+      {"ascending", COMMAND(sortAscending), "[c\na\nb\n]z", "[a\nb\nc\n]z"},
+      {"descending by code", COMMAND(sortDescending), "[a\nC\nb]", "[b\na\nC]"},
+      {"sort needs a selection", COMMAND(sortAscending), "b\na|", "b\na|"},
+      {"transpose", COMMAND(transposeLines), "a\nb|\nc", "b\n|a\nc"},
+      {"transpose first", COMMAND(transposeLines), "a|\nb", "|b\na"},
+      {"up", COMMAND(moveSelectedLineUp), "a\nb\nc|", "a\nc|\nb"},
+      {"up on first", COMMAND(moveSelectedLineUp), "a|\nb", "a|\nb"},
+      {"down on last", COMMAND(moveSelectedLineDown), "a\nb|", "a\nb|"},
+      {"down block", COMMAND(moveSelectedLineDown), "[a\nb\n]c\nd", "c\n[a\nb\n]d"},
+      {"duplicate", COMMAND(duplicateLine), "ab|c\nd", "abc\nab|c\nd"},
+  });
+}
+
+TEST(EditCommands, ASelectionIntoVirtualSpaceTakesOnlyRealLines) {
+  CommandBench bench("a\nc\nb");
+  bench.editor.setSelection({6, 0}, {1, 9});
+  bench.commands.sortAscending();
+  EXPECT_EQ(bench.editor.text(), "a\nb\nc");
+  bench.editor.undoAll();
+  EXPECT_EQ(bench.editor.text(), "a\nc\nb");
+}
+
+TEST(EditCommands, MovedLinesComeBackWithCaretAndSelection) {
+  CommandBench bench("x\n[a\nb\n]c");
+  bench.commands.moveSelectedLineUp();
+  EXPECT_EQ(bench.state(), "[a\nb\n]x\nc");
+  bench.editor.undo();
+  EXPECT_EQ(bench.state(), "x\n[a\nb\n]c");
+}
+
+TEST(EditCommands, IndentationTabsAndAlignment) {
+  runCases({
+      {"tab to stop", COMMAND(tab), "ab|c", "ab  |c"},
+      {"tab lines", COMMAND(tab), "[a\n\n#x\nb\n]c", "[    a\n\n#x\n    b\n]c"},
+      {"backtab lines", COMMAND(backtab), "[        a\n    b\n]c", "[    a\nb\n]c"},
+      {"backtab caret", COMMAND(backtab), "      a|", "  a|"},
+      {"align left", COMMAND(alignLeft), "[        a\n    b\n]", "[    a\n    b\n]"},
+      {"align left skips blank", COMMAND(alignLeft), "[  a\n\n   b\n]", "[  a\n\n  b\n]"},
+      {"align right", COMMAND(alignRight), "[a\n  bbb\n]", "[    a\n  bbb\n]"},
+      {"center", COMMAND(center), "[ab\n  abcd\n]", "[  ab\n abcd\n]"},
+      {"enter indents", COMMAND(enter), "    ab|cd", "    ab\n    |cd"},
+  });
+  runCases({{"tab with tabs", COMMAND(tab), "  |x", "\t|x"},
+            {"preprocessor lines", COMMAND(tab), "[#a\nb\n]", "[\t#a\n\tb\n]"}},
+           [](CodeEditSettings& settings) {
+             settings.insertTabs = settings.indentPreprocessorLines = true;
+             settings.indentSize = 4;
+           });
+}
+
+TEST(EditCommands, EnterOnABlankLineLeavesTheCaretInVirtualSpace) {
+  CommandBench bench("    |");
+  bench.commands.enter();
+  EXPECT_EQ(bench.editor.text(), "    \n");
+  EXPECT_EQ(bench.editor.caret(), CodeBufferPosition(1, 4));
+  bench.commands.typeText("x");  // typing there makes the space real
+  EXPECT_EQ(bench.editor.text(), "    \n    x");
+}
+
+TEST(EditCommands, TabifyAndUntabifyRewriteRunsByTheirColumns) {
+  struct Row {
+    const char* before;
+    const char* tabified;
+    const char* untabified;
+  } rows[] = {
+      {"ab      x", "ab\t\tx", "ab      x"},
+      {"      y", "\t  y", "      y"},
+      {"\tx\ty ", "\tx\ty ", "    x   y "},
+      {"abc d", "abc\td", "abc d"},
+      {"a  \t b", "a\t b", "a    b"},
+  };
+  for (const Row& row : rows) {
+    CommandBench bench(row.before);
+    bench.commands.tabify(0, 0);
+    EXPECT_EQ(bench.editor.text(), row.tabified) << row.before;
+    CommandBench other(row.before);
+    other.commands.untabify(0, 0);
+    EXPECT_EQ(other.editor.text(), row.untabified) << row.before;
+  }
+  CommandBench bench("a\tb|");  // the caret keeps its column on screen
+  bench.commands.untabify();
+  EXPECT_EQ(bench.state(), "a   b|");
+  EXPECT_EQ(bench.editor.doneTransactions().front()->label(), "Untabify");
+}
+
+TEST(EditCommands, ColumnsAndTrailingWhitespace) {
+  CommandBench columns("[a bb c\nddd e]");
+  columns.commands.columnize();
+  EXPECT_EQ(columns.editor.text(), "a   bb c \nddd e  ");
+  CommandBench tidy("[  x \"a b\" y\n\n    zz w]");
+  tidy.commands.columnTidy();
+  EXPECT_EQ(tidy.editor.text(), "  x  \"a b\" y \n\n  zz w     ");
+  CommandBench trailing("a  \nb\t\n c |");
+  trailing.commands.deleteTrailingWhitespace();
+  EXPECT_EQ(trailing.editor.text(), "a\nb\n c");
+  EXPECT_EQ(trailing.editor.caret(), CodeBufferPosition(2, 3));
+  trailing.editor.undo();
+  EXPECT_EQ(trailing.editor.text(), "a  \nb\t\n c ");
+}
+
+TEST(EditCommands, SurroundCastAndConversions) {
+  runCases({
+      {"surround word", [](EditCommands& e) { e.surround("(", ")"); }, "a fo|o b", "a (foo)| b"},
+      {"surround nothing", [](EditCommands& e) { e.surround("(", ")"); }, "a | b", "a (|) b"},
+      {"surround lines", [](EditCommands& e) { e.surround("<", ">"); }, "[a\nb]", "<a\nb>|"},
+      {"cast", [](EditCommands& e) { e.cast("int"); }, "[x]", "(int)(x)|"},
+      {"cast at caret", [](EditCommands& e) { e.cast("int"); }, "|x", "int |x"},
+      {"to string", COMMAND(convertToString), "[a\"b]", "\"a\\\"b\"|"},
+  });
+  EXPECT_EQ(EditCommands::makeString("a\\b\n\"c\""), "\"a\\\\b\\n\\\"c\\\"\"");
+  EXPECT_EQ(EditCommands::makeComment("x*/y"), "/*x**y*/");
+  EXPECT_EQ(EditCommands::makeHTML("<a&b>"), "&lt;a&amp;b&gt;");
+}
+
+TEST(EditCommands, TransposeWordsSwapsTheWordWithTheOneBefore) {
+  runCases({
+      {"same length", COMMAND(transposeWords), "foo bar|", "bar |foo"},
+      {"other lengths", COMMAND(transposeWords), "a, bcd|", "bcd, |a"},
+      {"from inside", COMMAND(transposeWords), "one tw|o three", "two |one three"},
+      {"no word before", COMMAND(transposeWords), "  o|ne", "  |one"},
+  });
+}
+
+TEST(EditCommands, TemplatesReplaceTheirCallAndPlaceTheCaret) {
+  CommandBench bench("  for|");
+  EXPECT_FALSE(bench.commands.expandTemplate({"for", "", "for (|) {\n}\n", 3, 0}));
+  EXPECT_EQ(bench.state(), "  for (|) {\n  }\n");
+  EXPECT_EQ(bench.editor.statusMessage(), "Expanded template 'for'");
+  EXPECT_EQ(bench.editor.doneTransactions().front()->label(), "Template Expansion");
+  CommandBench call("x = pf|");
+  EXPECT_TRUE(call.commands.expandTemplate({"printf", "", "printf(|)", 2, 0}));
+  EXPECT_EQ(call.state(), "x = printf(|)");
+}
+
+TEST(EditCommands, ClipboardRingAndRepeatCounts) {
+  CommandBench bench("[one] two|");
+  bench.commands.copy();
+  bench.editor.setSelection({0, 4}, {0, 7});
+  bench.commands.cut();
+  EXPECT_EQ(bench.editor.text(), "one ");
+  EXPECT_EQ(bench.clipboard.text(), "two");
+  bench.commands.setArgument(3);
+  EXPECT_EQ(bench.editor.statusMessage(), "Argument: 3");
+  bench.commands.paste();
+  EXPECT_EQ(bench.editor.text(), "one twotwotwo");
+  bench.commands.paste();  // the count was used up
+  EXPECT_EQ(bench.editor.text(), "one twotwotwotwo");
+
+  CommandBench ring("|");
+  ring.commands.clipboardRing() = {{"one", "two"}, 1};
+  ring.clipboard.setText("two");
+  ring.commands.paste();
+  ring.editor.setSelection({0, 0}, {0, 3});
+  ring.commands.cycleClipboardRing();  // the pasted entry gives way to the one before
+  EXPECT_EQ(ring.editor.text(), "one");
+  ring.commands.pasteAll();
+  EXPECT_EQ(ring.editor.text(), "onetwo");
+
+  CommandBench lines("a\nb|\nc");
+  lines.commands.copy();  // no selection: the caret's line
+  EXPECT_EQ(lines.clipboard.text(), "b\n");
+  lines.commands.copyLinesAppend();
+  EXPECT_EQ(lines.clipboard.text(), "b\nb\n");
+  lines.commands.setArgument(2);
+  lines.commands.deleteLine();
+  EXPECT_EQ(lines.state(), "a\n|");
+}
+
+TEST(EditCommands, BookmarksWrapAroundTheDocument) {
+  CommandBench bench("0\n1\n2\n3\n4");
+  for (int line : {1, 3}) {
+    bench.editor.setCaret({line, 0});
+    bench.commands.bookmarkToggle();
+  }
+  bench.commands.bookmarkNext();
+  EXPECT_EQ(bench.editor.caret().line, 1);
+  bench.commands.bookmarkPrev();
+  EXPECT_EQ(bench.editor.caret().line, 3);
+  bench.commands.bookmarkFirst();
+  EXPECT_EQ(bench.editor.caret().line, 1);
+  bench.commands.bookmarkLast();
+  EXPECT_EQ(bench.editor.caret().line, 3);
+  bench.editor.insertText({0, 0}, "new\n");  // a bookmark moves with its line
+  bench.commands.bookmarkFirst();
+  EXPECT_EQ(bench.editor.caret().line, 2);
+  bench.commands.bookmarkClearAll();
+  bench.editor.setCaret({0, 0});
+  bench.commands.bookmarkNext();
+  EXPECT_EQ(bench.editor.caret().line, 0);
+  EXPECT_FALSE(bench.editor.canUndo() && bench.editor.doneTransactions().size() > 1);
+}
+
+TEST(EditCommands, RecordedKeystrokesPlayBackInAnotherEditor) {
+  CommandBench bench("a|");
+  EditCommands::startRecording();
+  bench.commands.typeText("b");
+  bench.commands.surround("(", ")");  // does nothing while recording
+  EditCommands::pauseRecording(true);
+  bench.commands.typeText("-");
+  EditCommands::pauseRecording(false);
+  bench.commands.selectAll();
+  bench.commands.uppercase();
+  bench.commands.center();  // records itself, not the untabify it runs
+  EditCommands::stopRecording();
+  EXPECT_EQ(EditCommands::recordedCount(), 4);
+  EXPECT_EQ(bench.editor.text(), "AB-");
+
+  CommandBench other("x|");
+  other.commands.playRecording();
+  EXPECT_EQ(other.editor.text(), "XB");
+  EXPECT_EQ(EditCommands::recordedCount(), 4);  // playing records nothing
+  other.editor.undo();
+  EXPECT_EQ(other.editor.text(), "x");  // one step for the whole play
+  EditCommands::cancelRecording();
+  EXPECT_EQ(EditCommands::recordedCount(), 0);
+}
+
+TEST(EditCommands, ReadOnlyEditorsIgnoreCommands) {
+  CommandBench bench("[b\na]");
+  bench.editor.setEditState(CodeEdit::ReadOnly);
+  for (const QString& name : EditCommands::slotNames()) (bench.commands.*EditCommands::slotNamed(name))();
+  EXPECT_EQ(bench.editor.text(), "b\na");
+  EXPECT_FALSE(bench.editor.canUndo());
+}
+
+}  // namespace
+}  // namespace regmill
+
+namespace regmill {
+namespace {
+
+// Random commands on random text with random selections: undoing all gives back the
+// text and the caret from before the first change, redoing all the text and caret
+// after the last one, and a new edit after an undo empties the redo list.
+TEST(EditCommandsProperty, UndoAllAndRedoAllOverRandomCommandSequences) {
+  // Undo and redo themselves would make the final text another one.
+  QStringList names = EditCommands::slotNames().filter(QRegularExpression("^(?!undo|redo)"));
+  const QString pieces[] = {"foo_bar", "  ", "\t", "//", "0xab", "Zed", "\n", "x y z", "\"q\\\"\" w"};
+  std::mt19937 random(2026);
+  int changedRounds = 0;
+  for (int round = 0; round < 150; ++round) {
+    testing::CommandBench bench;
+    QString text;
+    for (int piece = int(random() % 30); piece > 0; --piece) text += pieces[random() % std::size(pieces)];
+    bench.editor.setText(text);
+    bench.editor.settings().insertTabs = random() % 2;
+    bench.clipboard.setText("clip\nboard");
+    std::optional<CodeBufferPosition> caretBefore;
+    CodeBufferPosition caretAfter;
+    std::vector<std::string> steps;
+    for (int step = 0; step < 12; ++step) {
+      auto randomPosition = [&] {
+        const int line = int(random() % bench.editor.lineCount());
+        return CodeBufferPosition(line, int(random() % (bench.editor.buffer().lineLength(line) + 2)));
+      };
+      const CodeBufferPosition caret = randomPosition();
+      if (random() % 2) bench.editor.setSelection(randomPosition(), caret, SelectionMode(random() % 2));
+      else bench.editor.clearSelection();
+      bench.editor.setCaret(caret);
+      const QString name = names[int(random() % names.size())];
+      steps.push_back(name.toStdString());
+      const size_t before = bench.editor.doneTransactions().size();
+      (bench.commands.*EditCommands::slotNamed(name))();
+      if (bench.editor.doneTransactions().size() != before) {
+        if (!caretBefore) caretBefore = caret;
+        caretAfter = bench.editor.caret();
+      }
+    }
+    const QString final = bench.editor.text();
+    changedRounds += final != text;
+    bench.editor.undoAll();
+    ASSERT_EQ(bench.editor.text(), text) << ::testing::PrintToString(steps);
+    if (caretBefore) EXPECT_EQ(bench.editor.caret(), *caretBefore) << ::testing::PrintToString(steps);
+    bench.editor.redoAll();
+    ASSERT_EQ(bench.editor.text(), final) << ::testing::PrintToString(steps);
+    if (caretBefore) EXPECT_EQ(bench.editor.caret(), caretAfter);
+    if (bench.editor.canUndo()) {
+      bench.editor.undo();
+      bench.commands.typeText("!");
+      EXPECT_FALSE(bench.editor.canRedo());
+    }
+  }
+  EXPECT_GT(changedRounds, 120);  // the sequences do change the text
+}
+
+}  // namespace
+}  // namespace regmill
+
+namespace regmill {
+namespace {
+
+// A block selection: the same ends, taken as a rectangle of columns on screen.
+void makeBlock(testing::CommandBench& bench) {
+  bench.editor.setSelection(bench.editor.selectionAnchor(), bench.editor.selectionEnd(), SelectionMode::Block);
+}
+
+TEST(EditCommands, BlockSelectionsWorkOnTheirColumnsOfEachLine) {
+  testing::CommandBench text("a[bcd\nefg]h\nij");
+  makeBlock(text);
+  EXPECT_EQ(text.commands.selectedText(), "bc\nfg");
+
+  testing::CommandBench sort("x [b1\nx a2\nx c3]");
+  makeBlock(sort);
+  sort.commands.sortAscending();
+  EXPECT_EQ(sort.editor.text(), "x a2\nx b1\nx c3");
+  sort.editor.undo();
+  EXPECT_EQ(sort.editor.text(), "x b1\nx a2\nx c3");
+
+  testing::CommandBench tab("a[bc\nde]f");
+  makeBlock(tab);
+  tab.commands.tab();
+  EXPECT_EQ(tab.state(), "a   [bc\nd   e]f");
+  tab.commands.backtab();
+  EXPECT_EQ(tab.state(), "a[bc\nde]f");
+  tab.commands.backtab();  // no white space before the block: nothing moves
+  EXPECT_EQ(tab.state(), "a[bc\nde]f");
+
+  testing::CommandBench right("x [a\ny bbb]");  // a block aligns its part of each line
+  makeBlock(right);
+  right.commands.alignRight();
+  EXPECT_EQ(right.editor.text(), "x   a\ny bbb");
+
+  testing::CommandBench short_("ab[cd\nx\nefgh]");  // a short line inside the block
+  makeBlock(short_);
+  EXPECT_EQ(short_.commands.selectedText(), "cd\n\ngh");
+  short_.commands.deleteSelection();
+  EXPECT_EQ(short_.editor.text(), "ab\nx\nef");
+}
+
+}  // namespace
+}  // namespace regmill
