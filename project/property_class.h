@@ -36,18 +36,18 @@ class PropertyClass;
 
 // Every field of a class, for the constructors and for classes declared inline.
 struct PropertyClassFields {
-  QString name;  // the attribute name in a project file, or an environment option's settings path
-  QString group;
-  QString shortCaption;
-  QString longCaption;
-  QString suffix;
-  QString defaultValue;
-  QString specialText;
-  QString page;
+  QString name{};  // the attribute name in a project file, or an environment option's settings path
+  QString group{};
+  QString shortCaption{};
+  QString longCaption{};
+  QString suffix{};
+  QString defaultValue{};
+  QString specialText{};
+  QString page{};
   bool readOnly = false;
   bool perConfiguration = true;
   PropertyType type = PropertyType::String;
-  QStringList enumerates;  // entries may carry their family as "entry~~family"
+  QStringList enumerates{};  // entries may carry their family as "entry~~family"
   int32_t minimum = 0;
   int32_t maximum = 0;
   uint32_t flags = 0;
