@@ -1,0 +1,244 @@
+// Solution files: load failures with their texts, byte-stable saving of realistic
+// solutions (links with macros, nested and dynamic folders, inherited
+// configurations, non-ASCII values), edits recorded and signalled in order, and
+// links that meet.
+#include <gtest/gtest.h>
+
+#include <QFileInfo>
+#include <QProcess>
+#include <QStandardPaths>
+#include <filesystem>
+
+#include "project/macro_expander.h"
+#include "project/project_system.h"
+#include "tests/project/qt_printers.h"
+#include "tests/support/scratch_folder.h"
+
+namespace regmill {
+namespace {
+
+using testing::ScratchFolder;
+
+const std::string kHeader = "<?xml  version=\"1.0\" encoding=\"UTF-8\" ?>\n<!DOCTYPE Larkloom_Project_File>\n";
+
+class SolutionFiles : public ::testing::Test {
+ protected:
+  QString write(const std::string& name, const std::string& text) {
+    return QString::fromStdString(folder.write(name, text));
+  }
+  // The load failure as "file|message|line", or "loaded".
+  std::string loadFailure(const QString& path) {
+    try {
+      system.loadSolution(path);
+      return "loaded";
+    } catch (const SolutionLoadError& error) {
+      EXPECT_EQ(system.root(), nullptr);
+      QString file = error.file;
+      file.replace(QString::fromStdString(folder.path().string()) + "/", "");
+      return (file + "|" + error.message + "|" + QString::number(error.line)).toStdString();
+    }
+  }
+  ProjectElement* child(ProjectElement* parent, const QString& name) {
+    for (ProjectElement* element : parent->childElements())
+      if (!element->is(ProjectElementKind::Configuration) && element->name() == name) return element;
+    return nullptr;
+  }
+  ScratchFolder folder;
+  StandardProjectSystem system;
+};
+
+TEST_F(SolutionFiles, LoadFailuresCarryTheirTexts) {
+  std::filesystem::create_directory(folder.path() / "dir.lkProject");
+  struct Case { const char* name; const char* text; const char* failure; };
+  const Case cases[] = {
+      {"missing.lkProject", nullptr, "missing.lkProject| does not exist|0"},
+      {"dir.lkProject", nullptr, "dir.lkProject| cannot access|0"},
+      {"other.lkProject", "<!DOCTYPE Other>\n<solution/>", "other.lkProject| not a solution file|0"},
+      {"untyped.lkProject", "<solution/>", "untyped.lkProject| not a solution file|0"},
+      {"project.lkProject", "<!DOCTYPE Larkloom_Project_File>\n<project/>", "project.lkProject| not a solution file|0"},
+      {"bad.lkProject", "<!DOCTYPE Larkloom_Project_File>\n<solution>\n<project>\n</solution>", "bad.lkProject|tagName mismatch|4"},
+      {"empty.lkProject", "<!DOCTYPE Larkloom_Project_File>\n", "empty.lkProject| is a malformed solution file (bad XML)|0"},
+      {"self.lkProject", "<!DOCTYPE Larkloom_Project_File>\n<solution><import file_name=\"self.lkProject\"/></solution>",
+       "self.lkProject| solution already loaded|0"},
+      {"target.lkProject", "<!DOCTYPE Larkloom_Project_File>\n<solution target=\"3\"/>", "target.lkProject|invalid solution target (3)|0"},
+      {"zero.lkProject", "<!DOCTYPE Larkloom_Project_File>\n<solution target=\"0\"/>", "loaded"},
+      {"own.lkProject", "<!DOCTYPE Larkloom_Project_File>\n<solution target=\"8\"/>", "loaded"},
+      {"templated.lkProject", "<!DOCTYPE Larkloom_Project_File>\n<solution><project Name=\"P\" template_name=\"T\"/></solution>",
+       "templated.lkProject|project template not foundT|0"},
+      {"unnamed.lkProject", "<!DOCTYPE Larkloom_Project_File>\n<solution><project Name=\"P\" template_name=\"\"/></solution>",
+       "unnamed.lkProject|no template for project P|0"},
+  };
+  for (const Case& c : cases) {
+    const QString path = c.text == nullptr ? QString::fromStdString(folder.file(c.name)) : write(c.name, c.text);
+    EXPECT_EQ(loadFailure(path), c.failure) << c.name;
+  }
+}
+
+TEST_F(SolutionFiles, ALinkLoopFailsWhileTwoLinksToOneFileLoad) {
+  write("a.lkProject", "<!DOCTYPE Larkloom_Project_File>\n<solution Name=\"A\"><import file_name=\"b.lkProject\"/></solution>");
+  write("b.lkProject", "<!DOCTYPE Larkloom_Project_File>\n<solution Name=\"B\"><import file_name=\"a.lkProject\"/></solution>");
+  EXPECT_EQ(loadFailure(QString::fromStdString(folder.file("a.lkProject"))), "a.lkProject| solution already loaded|0");
+
+  write("top.lkProject", "<!DOCTYPE Larkloom_Project_File>\n<solution Name=\"Top\"><import file_name=\"l.lkProject\"/>"
+                         "<import file_name=\"r.lkProject\"/><project Name=\"P\"/></solution>");
+  write("l.lkProject", "<!DOCTYPE Larkloom_Project_File>\n<solution Name=\"L\"><import file_name=\"leaf.lkProject\"/></solution>");
+  write("r.lkProject", "<!DOCTYPE Larkloom_Project_File>\n<solution Name=\"R\"><import file_name=\"leaf.lkProject\"/></solution>");
+  write("leaf.lkProject", "<!DOCTYPE Larkloom_Project_File>\n<solution Name=\"Leaf\"><project Name=\"P\"/></solution>");
+  ASSERT_EQ(loadFailure(QString::fromStdString(folder.file("top.lkProject"))), "loaded");
+  EXPECT_EQ(system.projectNames(), (QStringList{"P", "P(L,Leaf)", "P(R,Leaf)"}));
+  EXPECT_EQ(system.solutionNames(), (QStringList{"L", "Leaf", "R", "Top"}));
+  EXPECT_EQ(system.solutions().value("L")->projects().keys(), (QStringList{"P(Leaf)"}));
+}
+
+// A solution as the writer prints it: attributes sorted, two blanks of indentation,
+// attributes spread over lines past 75 columns, non-ASCII bytes as references.
+const std::string kMain = kHeader + R"(<solution Name="Main" target="8" version="2">
+  <configuration Name="Common" c_preprocessor_definitions="TOP" />
+  <configuration Name="Debug" inherited_configurations="Base" />
+  <configuration
+    Name="Base"
+    c_preprocessor_definitions="DEBUG;LEVEL=2"
+    hidden="Yes" />
+  <project Name="App">
+    <configuration
+      Name="Common"
+      project_directory="app"
+      title="Caf&#xc3;&#xa9; &amp; &quot;B&#xc3;&#xa4;r&quot;" />
+    <folder Name="Source">
+      <file file_name="main.c">
+        <configuration Name="Debug" level="3" />
+      </file>
+      <folder Name="Drivers">
+        <file file_name="$(DriverDir)/uart.c" />
+      </folder>
+    </folder>
+    <folder Name="Generated" filter="*.c" path="gen" recurse="Yes" />
+    <file Name="Readme" file_name="README.txt" hidden="Yes" />
+  </project>
+  <import file_name="lib/$(LibName).lkProject" />
+</solution>
+)";
+
+const std::string kLibrary = kHeader + R"(<solution Name="Lib" target="8" version="2">
+  <project Name="Lib">
+    <configuration Name="Common" project_directory="." />
+    <file file_name="lib.c" />
+  </project>
+</solution>
+)";
+
+class SolutionRoundTrip : public SolutionFiles {
+ protected:
+  void SetUp() override {
+    macroExpander().globalMacros().insert("LibName", "core");
+    std::filesystem::create_directories(folder.path() / "lib");
+    std::filesystem::create_directories(folder.path() / "app/gen/deeper");
+    folder.write("app/gen/a.c", "");
+    folder.write("app/gen/b.h", "");
+    folder.write("app/gen/deeper/c.c", "");
+    main = write("main.lkProject", kMain);
+    write("lib/core.lkProject", kLibrary);
+    system.loadSolution(main);
+  }
+  void TearDown() override { macroExpander().globalMacros().remove("LibName"); }
+  QString main;
+};
+
+TEST_F(SolutionRoundTrip, SavingAnUnchangedSolutionGivesItsBytesBack) {
+  ProjectElement* generated = child(child(system.root(), "App"), "Generated");
+  ASSERT_NE(generated, nullptr);
+  QStringList listed;
+  for (ProjectElement* element : generated->childElements()) {
+    listed << element->name();
+    for (ProjectElement* inner : element->childElements()) listed << " " + inner->name();
+  }
+  EXPECT_EQ(listed, (QStringList{"a.c", "deeper", " c.c"}));
+  ProjectElement* lib = child(system.root(), "Lib");
+  ASSERT_NE(lib, nullptr);
+  EXPECT_TRUE(lib->isLink());
+  PropertyClass title({.name = "title"});
+  EXPECT_EQ(system.getValue(child(child(system.root(), "App"), "Readme"), &title, "Debug"),
+            QString::fromUtf8("Caf\xC3\xA9 & \"B\xC3\xA4r\""));
+  ASSERT_TRUE(system.saveSolutionFile(system.root()));
+  ASSERT_TRUE(system.saveSolutionFile(lib));
+  EXPECT_EQ(folder.read("main.lkProject"), kMain);
+  EXPECT_EQ(folder.read("lib/core.lkProject"), kLibrary);
+}
+
+TEST_F(SolutionRoundTrip, AnEditedPropertyIsSavedAloneAndReadsBack) {
+  PropertyClass level({.name = "level"});
+  ProjectElement* mainFile = child(child(child(system.root(), "App"), "Source"), "main.c");
+  system.setProperty(mainFile, &level, "Debug", "4");
+  system.saveAll();
+  std::string expected = kMain;
+  expected.replace(expected.find("level=\"3\""), 9, "level=\"4\"");
+  EXPECT_EQ(folder.read("main.lkProject"), expected);
+  EXPECT_EQ(folder.read("lib/core.lkProject"), kLibrary);
+  system.loadSolution(main);
+  mainFile = child(child(child(system.root(), "App"), "Source"), "main.c");
+  EXPECT_EQ(system.getValue(mainFile, &level, "Debug"), "4");
+  const QString xmllint = QStandardPaths::findExecutable("xmllint");
+  if (xmllint.isEmpty()) GTEST_SKIP() << "xmllint is not installed (libxml2-utils); the saved file was not checked by it";
+  QProcess check;
+  check.start(xmllint, {"--noout", main});
+  ASSERT_TRUE(check.waitForFinished());
+  EXPECT_EQ(check.exitCode(), 0) << check.readAllStandardError().toStdString();
+}
+
+TEST_F(SolutionFiles, OldVersionsLoadAsVersionTwoWithoutAChange) {
+  const std::string text = "<!DOCTYPE Larkloom_Project_File>\n<solution Name=\"Old\" version=\"1\"><project Name=\"P\"/></solution>";
+  system.loadSolution(write("old.lkProject", text));
+  EXPECT_EQ(system.root()->attribute("version"), "2");
+  EXPECT_FALSE(system.root()->isModified());
+  system.saveAll();
+  EXPECT_EQ(folder.read("old.lkProject"), text);
+  system.root()->setAttribute("Name", "");
+  system.saveAll();
+  EXPECT_EQ(folder.read("old.lkProject"), kHeader + "<solution target=\"8\" version=\"2\">\n  <project Name=\"P\" />\n</solution>\n");
+}
+
+TEST_F(SolutionFiles, ChangesAreRecordedSignalledAndForgotten) {
+  system.loadSolution(write("s.lkProject", "<!DOCTYPE Larkloom_Project_File>\n<solution Name=\"S\">"
+                                           "<configuration Name=\"Debug\" x=\"s\"/><project Name=\"P\" />"
+                                           "</solution>"));
+  QStringList events;
+  QObject::connect(&system, &ProjectSystem::propertyChanged,
+                   [&](ProjectElement* element, const QString& configuration, const PropertyClass* c) {
+                     events << "property " + element->name() + " " + configuration + " " + c->name();
+                   });
+  QObject::connect(&system, &ProjectSystem::configurationsChanged, [&](ProjectElement* s) { events << "configurations " + s->name(); });
+  QObject::connect(&system, &ProjectSystem::projectChanged, [&](ProjectElement* p) { events << "project " + p->name(); });
+  QObject::connect(&system, &ProjectSystem::fileSaved, [&](const QString& file) { events << "saved " + QFileInfo(file).fileName(); });
+  ProjectElement* project = child(system.root(), "P");
+  PropertyClass x({.name = "x"}), directory({.name = "project_directory"});
+  const QDateTime start = QDateTime::currentDateTimeUtc();
+  system.setProperty(project, &x, "Debug", "p");
+  system.setProperty(project, &directory, "Common", "d");
+  system.setProperty(system.root(), &x, "Debug", "s2");
+  ASSERT_EQ(system.changeRecords().size(), 3);
+  EXPECT_TRUE(system.changeRecords()[0].oldValue.isNull());
+  EXPECT_EQ(system.changeRecords()[2].oldValue, "s");
+  system.removeProperty(project, &x, "Debug");
+  EXPECT_EQ(project->configuration("Debug"), nullptr);  // only its Name was left
+  system.removeProperty(system.root(), &x, "Debug");
+  EXPECT_NE(system.root()->configuration("Debug"), nullptr);  // a solution keeps it
+  EXPECT_EQ(events, (QStringList{"configurations S", "property P Debug x", "configurations S", "property P Common project_directory",
+                                 "project P", "property S Debug x", "property P Debug x", "property S Debug x"}));
+  events.clear();
+  system.forgetChanges(start);
+  EXPECT_TRUE(system.changeRecords().isEmpty());
+  EXPECT_EQ(system.getLocalValue(system.root(), &x, "Debug"), "s");
+  EXPECT_TRUE(system.getLocalValue(project, &x, "Debug").isNull());
+  // Newest first; the project's Debug configuration, gone with its last value, comes back.
+  EXPECT_EQ(events, (QStringList{"property S Debug x", "configurations S", "property P Debug x", "property S Debug x",
+                                 "property P Common project_directory", "property P Debug x"}));
+  EXPECT_FALSE(system.root()->isModified());
+  system.setProperty(project, &x, "Debug", "kept");
+  events.clear();
+  system.saveAll();
+  EXPECT_EQ(events, QStringList{"saved s.lkProject"});
+  EXPECT_TRUE(system.changeRecords().isEmpty());
+}
+
+}  // namespace
+}  // namespace regmill
