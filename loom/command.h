@@ -23,5 +23,6 @@ const Command* findCommand(std::string_view name);
 int fail(std::string_view text);
 
 int runHelp(Arguments arguments);
+int runProject(Arguments arguments);
 
 }  // namespace loom

@@ -7,6 +7,8 @@ namespace loom {
 // One row per subcommand, in the order `loom help` lists them.
 constexpr Command kCommands[] = {
     {"help", "[COMMAND]", "List the commands, or show how to use one", runHelp},
+    {"project", "show|get|set|expand|preprocess ARGUMENTS...",
+     "Show, read, change or expand the settings of a solution, or preprocess an XML file", runProject},
 };
 
 std::span<const Command> commands() { return kCommands; }

@@ -3,6 +3,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QLocale>
+#include <vector>
 
 namespace regmill {
 
@@ -77,9 +78,39 @@ QString MacroExpander::lookUp(const MacroMap& map, const QString& name, bool use
   return value.isNull() ? QString("") : value;
 }
 
+namespace {
+
+// For each "(" the position of its matching ")", or -1; and the count of macro
+// characters before each position. Both are made in one pass, so that a pass over
+// a text with many unclosed references stays linear.
+struct Parentheses {
+  std::vector<qsizetype> closing;
+  std::vector<qsizetype> macrosBefore;
+};
+
+Parentheses matchParentheses(const QString& text, QChar macroCharacter) {
+  const qsizetype length = text.size();
+  Parentheses result{std::vector<qsizetype>(size_t(length), -1), std::vector<qsizetype>(size_t(length) + 1, 0)};
+  std::vector<qsizetype> open;
+  for (qsizetype at = 0; at < length; ++at) {
+    const QChar c = text[at];
+    result.macrosBefore[size_t(at) + 1] = result.macrosBefore[size_t(at)] + (c == macroCharacter ? 1 : 0);
+    if (c == u'(') {
+      open.push_back(at);
+    } else if (c == u')' && !open.empty()) {
+      result.closing[size_t(open.back())] = at;
+      open.pop_back();
+    }
+  }
+  return result;
+}
+
+}  // namespace
+
 bool MacroExpander::expandOnce(const MacroMap& map, const QString& text, bool useGlobal, bool useSystem,
                                QString& output, bool& sawNestedMacro) const {
   const qsizetype length = text.size();
+  const Parentheses parentheses = matchParentheses(text, macroCharacter_);
   output.clear();
   output.reserve(length);
   sawNestedMacro = false;
@@ -97,23 +128,15 @@ bool MacroExpander::expandOnce(const MacroMap& map, const QString& text, bool us
       at += (at + 1 < length && text[at + 1] == macroCharacter_) ? 2 : 1;
       continue;
     }
-    // Find the matching ")" behind the "(", counting nested parentheses.
-    const qsizetype referenceStart = at + 2;
-    qsizetype close = referenceStart;
-    bool nested = false;
-    for (int depth = 1; close < length; ++close) {
-      const QChar d = text[close];
-      if (d == macroCharacter_) nested = true;
-      if (d == u'(') ++depth;
-      if (d == u')' && --depth == 0) break;
-    }
-    if (close >= length) {
+    const qsizetype close = parentheses.closing[size_t(at) + 1];
+    if (close < 0) {
       // No ")": the macro character is dropped and the "(" read as plain text.
       ++at;
       continue;
     }
+    const qsizetype referenceStart = at + 2;
     const QString reference = text.mid(referenceStart, close - referenceStart);
-    if (nested) sawNestedMacro = true;
+    if (parentheses.macrosBefore[size_t(close)] > parentheses.macrosBefore[size_t(referenceStart)]) sawNestedMacro = true;
     QString name = reference;
     QString fallback;
     const qsizetype colon = reference.indexOf(u':');
