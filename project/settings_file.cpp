@@ -9,17 +9,20 @@ namespace regmill {
 namespace {
 
 void appendEscaped(std::string& out, const QString& text) {
+  QString escaped;
+  escaped.reserve(text.size());
   for (QChar c : text) {
     switch (c.unicode()) {
-      case u'&': out += "&amp;"; break;
-      case u'>': out += "&gt;"; break;
-      case u'<': out += "&lt;"; break;
-      case u'"': out += "&quot;"; break;
-      case u'\'': out += "&apos;"; break;
-      case 0x00B7: out += "&middot;"; break;
-      default: out += QString(c).toUtf8().toStdString();
+      case u'&': escaped += u"&amp;"; break;
+      case u'>': escaped += u"&gt;"; break;
+      case u'<': escaped += u"&lt;"; break;
+      case u'"': escaped += u"&quot;"; break;
+      case u'\'': escaped += u"&apos;"; break;
+      case 0x00B7: escaped += u"&middot;"; break;
+      default: escaped += c;  // surrogate pairs stay together for the conversion below
     }
   }
+  out += escaped.toUtf8().toStdString();
 }
 
 struct Entity {

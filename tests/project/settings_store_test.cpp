@@ -30,7 +30,8 @@ TEST(SettingsFile, WritesOneLinePerSettingWithItsEntities) {
 
 TEST(SettingsFile, ReadsBackWhatItWroteAndDecodesEachReferenceOnce) {
   const SettingEntries written{{"Path", "C:\\a;b"}, {"Blank", "   "}, {"Dot", QString::fromUtf8("a\xC2\xB7" "b")},
-                               {"Escaped", "&lt; stays &amp;lt;"}, {"Lines", "one\r\ntwo"}};
+                               {"Escaped", "&lt; stays &amp;lt;"}, {"Lines", "one\r\ntwo"},
+                               {"Wide", QString::fromUtf8("\xF0\xA0\xAA\xAC")}};  // outside the 16-bit range
   std::optional<SettingEntries> read = readSettingsText(settingsFileText(written));
   ASSERT_TRUE(read);
   EXPECT_EQ(*read, written);
