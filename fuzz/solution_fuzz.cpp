@@ -1,8 +1,8 @@
 // Loads arbitrary bytes as a solution file: a load either gives a tree or fails
 // with a SolutionLoadError; it may not crash, hang or leak. A loaded tree is
 // resolved, listed and saved again. Inputs that name other files (imports,
-// includes, dynamic folders) are left to the unit tests, which give them real
-// files: here they would reach whatever path the fuzzer makes up.
+// includes, dynamic folders) or commands to run are left to the unit tests, which
+// give them real files: here they would reach whatever the fuzzer makes up.
 #include <unistd.h>
 
 #include <QDir>
@@ -17,7 +17,7 @@
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (size > 32768) return 0;
   const std::string text(reinterpret_cast<const char*>(data), size);
-  for (const char* word : {"import", "include", "path"})
+  for (const char* word : {"import", "include", "path", "load_command"})
     if (text.find(word) != std::string::npos) return 0;
   static const QString folder = QDir::tempPath() + "/solution-fuzz-" + QString::number(getpid());
   QDir().mkpath(folder);

@@ -3,6 +3,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QProcess>
 #include <QRegularExpression>
 
 #include "project/macro_expander.h"
@@ -99,6 +100,7 @@ class ProjectSystem::Loader {
 
  private:
   std::unique_ptr<ProjectElement> parse(const QString& path, const QString& macroString);
+  void runLoadCommands(ProjectElement* solution, const QString& path);
   void buildTree(ProjectElement* solution);
   void replaceImport(ProjectElement* import, const QString& directory);
 
@@ -123,6 +125,7 @@ ProjectElement* ProjectSystem::Loader::readFile(const QString& directory, QStrin
   if (loading_.contains(absolute)) fail(path, " solution already loaded");
   std::unique_ptr<ProjectElement> solution = parse(path, macroString);
   loading_.append(absolute);
+  runLoadCommands(solution.get(), absolute);
   const QString templates = macroExpander().expandGlobal(QString::fromUtf8(solution->getAttribute("templates_file")));
   if (!templates.isEmpty()) system_.templatesFile_ = templates;
   solution->setFilePath(absolute);
@@ -157,6 +160,41 @@ std::unique_ptr<ProjectElement> ProjectSystem::Loader::parse(const QString& path
     fail(path, " not a solution file");
   }
   return std::unique_ptr<ProjectElement>(solution);
+}
+
+void ProjectSystem::Loader::runLoadCommands(ProjectElement* solution, const QString& path) {
+  MacroExpander& expander = macroExpander();
+  const QString commands = expander.expandGlobal(QString::fromUtf8(solution->getAttribute("load_command")));
+  if (commands.isEmpty()) return;
+  ProgressStep step(progress_, "Executing load commands", 0);
+  QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+  const QString settings = expander.expandGlobal(QString::fromUtf8(solution->getAttribute("load_command_environment")));
+  for (const QString& entry : settings.split(u';')) {
+    const qsizetype equals = entry.indexOf(u'=');
+    if (equals <= 0) continue;
+    environment.insert(entry.left(equals), entry.mid(equals + 1));
+    qputenv(entry.left(equals).toLocal8Bit().constData(), entry.mid(equals + 1).toLocal8Bit());
+  }
+  // One after the other, in the solution's folder; the first that fails ends the load.
+  for (const QString& command : commands.split("&&", Qt::SkipEmptyParts)) {
+    QStringList words = QProcess::splitCommand(command);
+    int code = -1;
+    if (!words.isEmpty()) {
+      QProcess process;
+      process.setProcessEnvironment(environment);
+      process.setWorkingDirectory(QFileInfo(path).absolutePath());
+      process.setProcessChannelMode(QProcess::MergedChannels);
+      process.start(words.takeFirst(), words);
+      if (process.waitForStarted() && process.waitForFinished(-1) && process.exitStatus() == QProcess::NormalExit)
+        code = process.exitCode();
+      else if (process.error() != QProcess::FailedToStart)
+        code = process.exitCode() == 0 ? 1 : process.exitCode();
+      if (progress_ != nullptr)
+        for (const QString& line : QString::fromLocal8Bit(process.readAll()).split(u'\n', Qt::SkipEmptyParts)) progress_->addLine(line);
+    }
+    if (code == -1) fail(path, "solution load command \"" + command.trimmed() + "\" not found");
+    if (code != 0) fail(path, "solution load command failed (" + QString::number(code) + ") ");
+  }
 }
 
 void ProjectSystem::Loader::buildTree(ProjectElement* solution) {

@@ -74,6 +74,17 @@ TEST_F(SolutionFiles, LoadFailuresCarryTheirTexts) {
   }
 }
 
+TEST_F(SolutionFiles, LoadCommandsRunInTheSolutionFolderAndStopTheLoadOnFailure) {
+  const std::string head = "<!DOCTYPE Larkloom_Project_File>\n<solution load_command_environment=\"WHO=loom;;\" load_command=\"";
+  EXPECT_EQ(loadFailure(write("ok.lkProject", head + "sh -c &quot;echo $WHO &gt; made.txt&quot; &amp;&amp; true\"/>")), "loaded");
+  EXPECT_EQ(folder.read("made.txt"), "loom\n");
+  EXPECT_EQ(loadFailure(write("code.lkProject", head + "true &amp;&amp; sh -c &quot;exit 3&quot; &amp;&amp; touch never\"/>")),
+            "code.lkProject|solution load command failed (3) |0");
+  EXPECT_FALSE(folder.exists("never"));
+  EXPECT_EQ(loadFailure(write("none.lkProject", head + "no-such-program-here\"/>")),
+            "none.lkProject|solution load command \"no-such-program-here\" not found|0");
+}
+
 TEST_F(SolutionFiles, ALinkLoopFailsWhileTwoLinksToOneFileLoad) {
   write("a.lkProject", "<!DOCTYPE Larkloom_Project_File>\n<solution Name=\"A\"><import file_name=\"b.lkProject\"/></solution>");
   write("b.lkProject", "<!DOCTYPE Larkloom_Project_File>\n<solution Name=\"B\"><import file_name=\"a.lkProject\"/></solution>");
