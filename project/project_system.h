@@ -125,6 +125,8 @@ class ProjectSystem : public QObject {
   void setProperty(ProjectElement* element, const PropertyClass* propertyClass, const QString& configuration,
                    const QString& text);
   void removeProperty(ProjectElement* element, const PropertyClass* propertyClass, const QString& configuration);
+  // Tells that the project's structure or paths have changed.
+  void announceProjectChange(ProjectElement* project) { emit projectChanged(project); }
   // Undoes the recorded changes made at or after `since`, newest first.
   void forgetChanges(const QDateTime& since);
 

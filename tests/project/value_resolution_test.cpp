@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "project/macro_expander.h"
+#include "project/project_property_value.h"
 #include "project/project_system.h"
 #include "tests/project/qt_printers.h"
 #include "tests/support/scratch_folder.h"
@@ -124,6 +125,46 @@ TEST_F(ValueResolution, ElementMacrosDescribeWhereTheElementIs) {
   }
   EXPECT_EQ(system.expandFor(find("main.c"), "$(ProjectName)/$(InputName).o $$(x)", "Debug"), "App/main.o $(x)");
   EXPECT_EQ(system.absolutePath(find("main.c"), "Debug"), dir + "/app/main.c");
+}
+
+// A class whose writes also set a second class, as an option that implies another.
+class ImplyingClass : public PropertyClass {
+ public:
+  ImplyingClass(const PropertyClass* implied) : PropertyClass({.name = "optimize", .linkedClass = implied}) {}
+  bool linkedValue(const QString& value, QString& out) const override {
+    out = value == "speed" ? "-O3" : "-O0";
+    return true;
+  }
+};
+
+TEST_F(ValueResolution, ProjectValuesReadResolvedAndWriteThroughTheSystem) {
+  PropertyClass level({.name = "level"});
+  PropertyClass defines({.name = "defines", .type = PropertyType::StringList});
+  PropertyClass shared({.name = "level", .perConfiguration = false});
+  ProjectPropertyValue fileLevel(system, &level, find("main.c"), "Release");
+  EXPECT_EQ(fileLevel.propertyValue(), "f_common");
+  EXPECT_TRUE(fileLevel.isDefault());  // main.c has no Release configuration
+  EXPECT_FALSE(ProjectPropertyValue(system, &level, find("main.c"), "Debug").isDefault());
+  EXPECT_EQ(ProjectPropertyValue(system, &shared, find("main.c"), "Debug").configuration(), "Common");
+  // A list shows only its own setting: what is gathered from above is not its to edit.
+  EXPECT_EQ(ProjectPropertyValue(system, &defines, find("main.c"), "Common").propertyValue(), "file_common");
+  EXPECT_TRUE(ProjectPropertyValue(system, &defines, find("main.c"), "Debug").propertyValue().isNull());
+
+  PropertyClass flags({.name = "flags"});
+  ImplyingClass optimize(&flags);
+  ProjectPropertyValue(system, &optimize, find("plain.c"), "Release").setPropertyValue("speed");
+  EXPECT_EQ(system.getLocalValue(find("plain.c"), &flags, "Release"), "-O3");
+  EXPECT_EQ(system.changeRecords().size(), 2);
+
+  QStringList changed;
+  QObject::connect(&system, &ProjectSystem::projectChanged, [&](ProjectElement* p) { changed << p->name(); });
+  PropertyClass directory({.name = "project_directory"}), include({.name = "include_directory"});
+  ProjectDirectoryProjectPropertyValue(system, &directory, find("App"), "Common").setPropertyValue("elsewhere");
+  ProjectDirectoryProjectPropertyValue(system, &include, find("App"), "Common").setPropertyValue("inc");
+  ProjectMacrosProjectPropertyValue(system, &level, find("main.c"), "Common").setPropertyValue("x");
+  EXPECT_EQ(changed, (QStringList{"App", "App", "App"}));  // once for each write
+  EXPECT_EQ(system.absolutePath(find("main.c"), "Debug"),
+            QString::fromStdString(folder.path().string()) + "/elsewhere/main.c");
 }
 
 }  // namespace

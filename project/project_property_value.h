@@ -1,0 +1,55 @@
+// Property values that live in a configuration of a project element: what the
+// property grid shows for an element and a configuration. Reads resolve over the
+// tree and the configurations; writes go through the project system, which records
+// and signals them.
+#pragma once
+#include <QString>
+
+#include "project/project_element.h"
+#include "project/project_system.h"
+#include "project/property_value.h"
+
+namespace regmill {
+
+class ProjectPropertyValue : public PropertyValue {
+ public:
+  // A class that is not per configuration is always stored under "Common".
+  ProjectPropertyValue(ProjectSystem& system, const PropertyClass* propertyClass, ProjectElement* element,
+                       const QString& configuration);
+
+  PropertyValue* clone() const override;
+  // False when this element's configuration of that name sets the attribute.
+  bool isDefault() const override;
+  // The resolved value; for a string list only the setting on this very element and
+  // configuration, a null string when there is none.
+  QString propertyValue() const override;
+  // Stores the text, and the linked class's value when the class computes one.
+  void setPropertyValue(const QString& text) override;
+
+  ProjectElement* element() const { return element_; }
+  const QString& configuration() const { return configuration_; }
+
+ protected:
+  ProjectSystem& system_;
+
+ private:
+  ProjectElement* element_;
+  QString configuration_;
+};
+
+// A value that decides where a project's files are (its directory, its macros):
+// after a write the enclosing project is announced as changed.
+class ProjectDirectoryProjectPropertyValue : public ProjectPropertyValue {
+ public:
+  using ProjectPropertyValue::ProjectPropertyValue;
+  PropertyValue* clone() const override;
+  void setPropertyValue(const QString& text) override;
+};
+
+class ProjectMacrosProjectPropertyValue : public ProjectDirectoryProjectPropertyValue {
+ public:
+  using ProjectDirectoryProjectPropertyValue::ProjectDirectoryProjectPropertyValue;
+  PropertyValue* clone() const override;
+};
+
+}  // namespace regmill
