@@ -97,6 +97,8 @@ class ProjectSystem::Loader {
   // The file's solution element, owned by the caller. `macroString` is null when
   // the file is not linked with macros.
   ProjectElement* readFile(const QString& directory, QString path, const QString& macroString);
+  // Counts the file as being loaded, so that a link back to it fails as a loop.
+  void markLoading(const QString& file) { loading_.append(QFileInfo(file).absoluteFilePath()); }
 
  private:
   std::unique_ptr<ProjectElement> parse(const QString& path, const QString& macroString);
@@ -264,6 +266,28 @@ void ProjectSystem::loadSolution(const QString& file, ProjectFileNotFoundErrorHa
   }
   finishLoad(root_.get());
   emit solutionLoaded();
+}
+
+ProjectElement* ProjectSystem::linkSolution(ProjectElement* parent, const QString& file) {
+  Loader loader(*this, nullptr, nullptr);
+  for (ProjectElement* level = parent; level != nullptr; level = level->parentElement())
+    if (level->is(ProjectElementKind::Solution)) loader.markLoading(level->filePath());
+  const bool hasMacros = file.contains(u'$');
+  const QString absolute = hasMacros ? macroExpander().expandGlobal(file)
+                                     : QDir::cleanPath(QDir(solutionDirectory(parent)).absoluteFilePath(file));
+  for (ProjectElement* child : parent->childElements())
+    if (child->is(ProjectElementKind::Solution) && (child->attribute("file_name") == file ||
+                                                    child->attribute("file_name") == absolute))
+      return nullptr;
+  ProjectElement* linked = loader.readFile(QString(), absolute, QString());
+  linked->setAttribute("file_name", hasMacros ? file : absolute);
+  linked->setLink(true);
+  linked->setCanModify(true);
+  linked->setModified(true);
+  parent->addChild(linked);
+  parent->setModified(true);  // its file gains the import
+  mapProjects(nullptr);
+  return linked;
 }
 
 void ProjectSystem::mapProjects(ProjectLoadProgressInterface* progress) {

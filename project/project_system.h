@@ -122,6 +122,21 @@ class ProjectSystem : public QObject {
   void saveAll(ProjectFileSaveErrorHandler* handler = nullptr);
 
   ProjectElement* addConfiguration(ProjectElement* element, const QString& name);
+  // Removes the configuration of that name from the element and every element below it.
+  void removeConfiguration(ProjectElement* element, const QString& name);
+  // A solution's configuration by a name the user typed: blanks are simplified;
+  // a refused character, "Common" or a name that exists gives the message and null.
+  ProjectElement* addSolutionConfiguration(ProjectElement* solution, const QString& name, bool isPrivate,
+                                           QString& message);
+  // Renames it in the solution and below, and in every inherited list that names it;
+  // the same refusals as above.
+  bool renameConfiguration(ProjectElement* solution, const QString& from, const QString& to, QString& message);
+  // A file element for the path, in the child folder whose filter names the file's
+  // extension when the parent is no folder, else in the parent.
+  ProjectElement* addFile(ProjectElement* parent, const QString& path);
+  // Links another solution file under the parent; null when the parent already has
+  // it. Throws SolutionLoadError as loading does, for a loop among others.
+  ProjectElement* linkSolution(ProjectElement* parent, const QString& file);
   void setProperty(ProjectElement* element, const PropertyClass* propertyClass, const QString& configuration,
                    const QString& text);
   void removeProperty(ProjectElement* element, const PropertyClass* propertyClass, const QString& configuration);

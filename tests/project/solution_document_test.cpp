@@ -251,5 +251,68 @@ TEST_F(SolutionFiles, ChangesAreRecordedSignalledAndForgotten) {
   EXPECT_TRUE(system.changeRecords().isEmpty());
 }
 
+TEST_F(SolutionFiles, ConfigurationsAreNamedRenamedAndRemovedAcrossTheTree) {
+  system.loadSolution(write("s.lkProject", "<!DOCTYPE Larkloom_Project_File>\n<solution Name=\"S\">"
+                                           "<configuration Name=\"Base\" hidden=\"Yes\" />"
+                                           "<configuration Name=\"Debug\" inherited_configurations=\"Base;X\" />"
+                                           "<project Name=\"P\"><configuration Name=\"Base\" v=\"1\" />"
+                                           "<file file_name=\"a.c\"><configuration Name=\"Base\" v=\"2\" /></file></project>"
+                                           "</solution>"));
+  ProjectElement* solution = system.root();
+  QString message;
+  struct Case { const char* name; const char* message; };
+  const Case refused[] = {
+      {"A/B", "The character '/' is not allowed in configuration names"},
+      {"say \"hi\"", "The character '\"' is not allowed in configuration names"},
+      {"a*", "The character '*' is not allowed in configuration names"},
+      {"Common", "The configuration 'Common' already exists in solution S"},
+      {"  Debug ", "The configuration 'Debug' already exists in solution S"},
+  };
+  for (const Case& c : refused) {
+    EXPECT_EQ(system.addSolutionConfiguration(solution, c.name, false, message), nullptr) << c.name;
+    EXPECT_EQ(message, c.message);
+  }
+  ProjectElement* added = system.addSolutionConfiguration(solution, "  Flash   Release ", true, message);
+  ASSERT_NE(added, nullptr);
+  EXPECT_EQ(added->attribute("Name") + "|" + added->attribute("hidden"), "Flash Release|Yes");
+
+  ASSERT_TRUE(system.renameConfiguration(solution, "Base", "Shared", message));
+  EXPECT_EQ(solution->configuration("Debug")->attribute("inherited_configurations"), "Shared;X");
+  EXPECT_EQ(solution->inherited().value("Debug"), (QStringList{"Shared", "X"}));
+  PropertyClass v({.name = "v"});
+  ProjectElement* file = child(child(solution, "P"), "a.c");
+  EXPECT_EQ(system.getValue(file, &v, "Debug"), "2");
+  system.removeConfiguration(solution, "Shared");
+  EXPECT_EQ(system.getValue(file, &v, "Debug"), "");
+  EXPECT_EQ(system.configurationNames(nullptr, 7), (QStringList{"Debug", "Flash Release"}));
+}
+
+TEST_F(SolutionFiles, AddedFilesGoToTheFolderThatFiltersTheirExtension) {
+  system.loadSolution(write("s.lkProject", "<!DOCTYPE Larkloom_Project_File>\n<solution><project Name=\"P\">"
+                                           "<folder Name=\"Headers\" filter=\"h;hpp\" />"
+                                           "<folder Name=\"Sources\"><configuration Name=\"Common\" filter=\"c,s\" /></folder>"
+                                           "</project></solution>"));
+  ProjectElement* project = child(system.root(), "P");
+  EXPECT_EQ(system.addFile(project, "src/Main.C")->parentElement()->name(), "Sources");
+  EXPECT_EQ(system.addFile(project, "inc/a.hpp")->parentElement()->name(), "Headers");
+  EXPECT_EQ(system.addFile(project, "notes.txt")->parentElement()->name(), "P");
+  EXPECT_EQ(system.addFile(child(project, "Headers"), "x.c")->parentElement()->name(), "Headers");
+}
+
+TEST_F(SolutionFiles, LinkingASolutionMapsItsProjectsAndRefusesALoop) {
+  system.loadSolution(write("top.lkProject", "<!DOCTYPE Larkloom_Project_File>\n<solution Name=\"Top\" />"));
+  write("sub.lkProject", "<!DOCTYPE Larkloom_Project_File>\n<solution Name=\"Sub\"><project Name=\"P\" /></solution>");
+  write("back.lkProject", "<!DOCTYPE Larkloom_Project_File>\n<solution Name=\"Back\"><import file_name=\"top.lkProject\" /></solution>");
+  ProjectElement* linked = system.linkSolution(system.root(), "sub.lkProject");
+  ASSERT_NE(linked, nullptr);
+  EXPECT_EQ(system.linkSolution(system.root(), "sub.lkProject"), nullptr);
+  EXPECT_EQ(system.projectNames(), (QStringList{"P(Sub)"}));
+  EXPECT_EQ(linked->attribute("file_name"), QString::fromStdString(folder.file("sub.lkProject")));
+  EXPECT_THROW(system.linkSolution(system.root(), "back.lkProject"), SolutionLoadError);
+  system.saveAll();
+  EXPECT_EQ(folder.read("top.lkProject"), kHeader + "<solution Name=\"Top\" target=\"8\" version=\"2\">\n  <import file_name=\"" +
+                                             folder.file("sub.lkProject") + "\" />\n</solution>\n");
+}
+
 }  // namespace
 }  // namespace regmill
