@@ -7,6 +7,7 @@
 
 #include "project/project_element.h"
 #include "project/project_system.h"
+#include "project/property_group_file.h"
 #include "project/property_value.h"
 
 namespace regmill {
@@ -50,6 +51,23 @@ class ProjectMacrosProjectPropertyValue : public ProjectDirectoryProjectProperty
  public:
   using ProjectDirectoryProjectPropertyValue::ProjectDirectoryProjectPropertyValue;
   PropertyValue* clone() const override;
+};
+
+// The value of a group property: choosing an entry applies the entry's property
+// values and files to the element, then stores the entry's name.
+class PropertyValueGroupValue : public ProjectPropertyValue {
+ public:
+  PropertyValueGroupValue(ProjectSystem& system, const PropertyValueGroupClass* groupClass, ProjectElement* element,
+                          const QString& configuration);
+  PropertyValue* clone() const override;
+  // The class's long text, then an HTML list of what the chosen entry sets.
+  QString description() const override;
+  void setPropertyValue(const QString& name) override;
+
+ private:
+  void applyFile(const XMLElement& file);
+
+  const PropertyValueGroupClass* groupClass_;
 };
 
 }  // namespace regmill

@@ -18,6 +18,7 @@
 
 #include "project/macro_map.h"
 #include "project/project_element.h"
+#include "project/property_group_file.h"
 #include "project/property_class.h"
 
 namespace regmill {
@@ -76,6 +77,7 @@ struct ProjectPropertyNames {
   QString intermediateDirectory = "build_intermediate_directory";
   QString objectDirectory = "build_object_directory";
   QString buildMacros = "build_macros";
+  QString groupFile = "property_groups_file_path";
   QString configurationFilter;  // none: every public configuration is offered
 };
 
@@ -140,6 +142,11 @@ class ProjectSystem : public QObject {
   void setProperty(ProjectElement* element, const PropertyClass* propertyClass, const QString& configuration,
                    const QString& text);
   void removeProperty(ProjectElement* element, const PropertyClass* propertyClass, const QString& configuration);
+  // The property classes of the host, by name; not owned.
+  void registerClass(const PropertyClass* propertyClass) { classes_.insert(propertyClass->name(), propertyClass); }
+  const PropertyClass* findClass(const QString& name) const { return classes_.value(name); }
+  PropertyGroupFileCache& groupFiles() { return groupFiles_; }
+
   // Tells that the project's structure or paths have changed.
   void announceProjectChange(ProjectElement* project) { emit projectChanged(project); }
   // Undoes the recorded changes made at or after `since`, newest first.
@@ -198,6 +205,9 @@ class ProjectSystem : public QObject {
   void populateDynamicFolders(ProjectLoadProgressInterface* progress);
   void populateFolder(ProjectElement* folder, const QString& path, int depth);
   void applyEnvironment();
+  // For each group class of the element's group file: its value, and the macros of
+  // the entry it names that apply to the configuration.
+  void addGroupMacros(ProjectElement* element, const QString& configuration, MacroMap& macros);
   // OutDir, IntDir, ObjDir, IntToOutDir and BuildMacro, each expanded with the map so far.
   void addDirectoryMacros(ProjectElement* element, const QString& configuration, MacroMap& macros);
   // The class of that name made on demand for the system's own reads: a string,
@@ -219,6 +229,8 @@ class ProjectSystem : public QObject {
   std::vector<ProjectElement*> templatedProjects_;
   std::vector<ProjectElement*> dynamicFolders_;
   std::map<QString, std::unique_ptr<PropertyClass>> ownClasses_;
+  QMap<QString, const PropertyClass*> classes_;
+  PropertyGroupFileCache groupFiles_;
 };
 
 // The application's project system; null until one is made.

@@ -3,6 +3,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <algorithm>
+#include <cstring>
 
 #include "project/macro_expander.h"
 #include "project/project_system.h"
@@ -170,9 +171,36 @@ MacroMap ProjectSystem::getMacros(ProjectElement* element, const QString& config
   macros.insert("HostName", hostMacro(element, configuration));
   macros.insert("OutputMacro", outputMacro(element, configuration));
   macros.insert("PackageExtension", "lkPackage");
+  addGroupMacros(element, configuration, macros);
   addProjectMacros(element, configuration, macros);
   addDirectoryMacros(element, configuration, macros);
   return macros;
+}
+
+void ProjectSystem::addGroupMacros(ProjectElement* element, const QString& configuration, MacroMap& macros) {
+  const QString path = macroExpander().expandGlobal(getValue(element, ownClass(names_.groupFile), configuration));
+  const PropertyValueGroupFile* file = groupFiles_.lookup(path);
+  if (file == nullptr) return;
+  const QStringList* inherited = element == nullptr ? nullptr : inheritanceList(element, configuration);
+  auto text = [](const XMLElement* macro, const char* name) { return QString::fromUtf8(macro->getAttribute(name)); };
+  for (const PropertyValueGroupClass* group : file->classes()) {
+    const QString value = getValue(element, group, configuration);
+    macros.insert(group->name(), value);
+    const XMLElement* entry = group->entry(value);
+    if (entry == nullptr) continue;
+    for (const XMLNode* node = entry->firstChild(); node != nullptr; node = node->nextSibling()) {
+      if (!node->isElement() || std::strcmp(node->getName(), "macro") != 0) continue;
+      const auto* macro = static_cast<const XMLElement*>(node);
+      if (macro->hasAttribute("configuration")) {
+        const QString only = text(macro, "configuration");
+        if (only != kCommon && only != configuration && (inherited == nullptr || !inherited->contains(only))) continue;
+      }
+      if (macro->hasAttribute("property") &&
+          getValue(element, ownClass(text(macro, "property")), configuration) != text(macro, "property_value"))
+        continue;
+      macros.insert(text(macro, "name"), text(macro, "value"));
+    }
+  }
 }
 
 void ProjectSystem::addDirectoryMacros(ProjectElement* element, const QString& configuration, MacroMap& macros) {
