@@ -20,22 +20,10 @@ QString refusal(ProjectElement* solution, const QString& name) {
   return QString();
 }
 
-template <class Visit>
-void forEachBelow(ProjectElement* top, Visit&& visit) {
-  std::vector<ProjectElement*> pending{top};
-  while (!pending.empty()) {
-    ProjectElement* element = pending.back();
-    pending.pop_back();
-    visit(element);
-    for (ProjectElement* child : element->childElements())
-      if (!child->is(ProjectElementKind::Configuration)) pending.push_back(child);
-  }
-}
-
 }  // namespace
 
 void ProjectSystem::removeConfiguration(ProjectElement* element, const QString& name) {
-  forEachBelow(element, [&](ProjectElement* level) {
+  forEachElement(element, [&](ProjectElement* level) {
     ProjectElement* configuration = level->configuration(name);
     if (configuration == nullptr) return;
     level->forgetConfiguration(name);
@@ -64,7 +52,7 @@ bool ProjectSystem::renameConfiguration(ProjectElement* solution, const QString&
   const QString simplified = to.simplified();
   message = refusal(solution, simplified);
   if (!message.isEmpty()) return false;
-  forEachBelow(solution, [&](ProjectElement* level) {
+  forEachElement(solution, [&](ProjectElement* level) {
     for (ProjectElement* configuration : level->configurations()) {
       const QString inherited = configuration->attribute("inherited_configurations");
       QStringList names = inherited.split(u';');
@@ -78,7 +66,7 @@ bool ProjectSystem::renameConfiguration(ProjectElement* solution, const QString&
       level->enterConfiguration(configuration);
     }
   });
-  forEachBelow(solution, [](ProjectElement* level) {
+  forEachElement(solution, [](ProjectElement* level) {
     if (level->is(ProjectElementKind::Solution)) level->rebuildInherited();
   });
   emit configurationsChanged(solution);

@@ -87,4 +87,17 @@ class ProjectElement : public XMLElement {
   QMap<QString, ProjectElement*> projects_;
 };
 
+// Visits every element of the subtree, `top` first, in document order.
+template <class Visit>
+void forEachElement(ProjectElement* top, Visit&& visit) {
+  std::vector<ProjectElement*> pending{top};
+  while (!pending.empty()) {
+    ProjectElement* element = pending.back();
+    pending.pop_back();
+    visit(element);
+    std::vector<ProjectElement*> children = element->childElements();
+    pending.insert(pending.end(), children.rbegin(), children.rend());
+  }
+}
+
 }  // namespace regmill

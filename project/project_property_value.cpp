@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "project/xml_text.h"
 #include "xml/xml_string.h"
 
 namespace regmill {
@@ -55,11 +56,6 @@ PropertyValue* ProjectMacrosProjectPropertyValue::clone() const {
 }
 
 namespace {
-
-QString attributeText(const XMLElement& element, const char* name) {
-  const char* value = element.getAttribute(name);
-  return value == nullptr ? QString() : QString::fromUtf8(value);
-}
 
 // Attribute texts as the description's HTML shows them.
 QString escapedForDisplay(const QString& text) {
@@ -122,10 +118,10 @@ QString PropertyValueGroupValue::description() const {
     if (!node->isElement()) continue;
     const auto& child = static_cast<const XMLElement&>(*node);
     text += QString("<li><b>") + child.getName() + "</b> ";
-    if (child.hasAttribute("name")) text += escapedForDisplay(attributeText(child, "name"));
+    if (child.hasAttribute("name")) text += escapedForDisplay(attributeText(&child, "name"));
     if (child.hasAttribute("name") && child.hasAttribute("value")) text += "=";
-    if (child.hasAttribute("value")) text += escapedForDisplay(attributeText(child, "value"));
-    if (child.hasAttribute("configuration")) text += " (" + escapedForDisplay(attributeText(child, "configuration")) + ")";
+    if (child.hasAttribute("value")) text += escapedForDisplay(attributeText(&child, "value"));
+    if (child.hasAttribute("configuration")) text += " (" + escapedForDisplay(attributeText(&child, "configuration")) + ")";
     text += "</li>";
   }
   return text + "</ul>";
@@ -139,9 +135,9 @@ void PropertyValueGroupValue::setPropertyValue(const QString& name) {
       if (!node->isElement()) continue;
       const auto& child = static_cast<const XMLElement&>(*node);
       if (std::strcmp(child.getName(), "property") == 0) {
-        const PropertyClass* target = system_.findClass(attributeText(child, "name"));
-        const QString where = child.hasAttribute("configuration") ? attributeText(child, "configuration") : configuration();
-        if (target != nullptr) system_.setProperty(element(), target, where, attributeText(child, "value"));
+        const PropertyClass* target = system_.findClass(attributeText(&child, "name"));
+        const QString where = child.hasAttribute("configuration") ? attributeText(&child, "configuration") : configuration();
+        if (target != nullptr) system_.setProperty(element(), target, where, attributeText(&child, "value"));
       } else if (std::strcmp(child.getName(), "file") == 0) {
         applyFile(child);
       }
@@ -153,7 +149,7 @@ void PropertyValueGroupValue::setPropertyValue(const QString& name) {
 void PropertyValueGroupValue::applyFile(const XMLElement& file) {
   ProjectElement* project = element()->enclosing(ProjectElementKind::Project);
   if (project == nullptr) return;
-  const QString folderName = attributeText(file, "folder");
+  const QString folderName = attributeText(&file, "folder");
   ProjectElement* folder = findFolder(project, folderName);
   if (folder == nullptr) {
     folder = new ProjectElement(copyXmlString("folder"));
@@ -161,8 +157,8 @@ void PropertyValueGroupValue::applyFile(const XMLElement& file) {
     folder->setAttribute("Name", folderName);
     project->setModified(true);
   }
-  const QString name = attributeText(file, "name");
-  const QString fileName = attributeText(file, "file_name");
+  const QString name = attributeText(&file, "name");
+  const QString fileName = attributeText(&file, "file_name");
   if (ProjectElement* existing = findFileNamed(folder, name)) {
     if (existing->attribute("file_name") != fileName) existing->setAttribute("file_name", fileName);
     return;

@@ -45,19 +45,6 @@ class ProgressStep {
   ProjectLoadProgressInterface* progress_;
 };
 
-// Every element of the subtree, the top one first, in document order.
-template <class Visit>
-void forEachElement(ProjectElement* top, Visit&& visit) {
-  std::vector<ProjectElement*> pending{top};
-  while (!pending.empty()) {
-    ProjectElement* element = pending.back();
-    pending.pop_back();
-    visit(element);
-    std::vector<ProjectElement*> children = element->childElements();
-    pending.insert(pending.end(), children.rbegin(), children.rend());
-  }
-}
-
 // The target code's name where the build knows one.
 QString targetName(const QString& code) { return code.toInt() == ProjectSystem::kOwnTarget ? QString("ARM") : code; }
 

@@ -6,16 +6,12 @@
 
 #include "project/diagnostics.h"
 #include "project/macro_expander.h"
+#include "project/xml_text.h"
 #include "project/xml_preprocessor.h"
 
 namespace regmill {
 
 namespace {
-
-QString attributeText(const XMLElement* element, const char* name) {
-  const char* value = element->getAttribute(name);
-  return value == nullptr ? QString() : QString::fromUtf8(value);
-}
 
 std::vector<const XMLElement*> childElementsNamed(const XMLElement* parent, const char* tag) {
   std::vector<const XMLElement*> found;

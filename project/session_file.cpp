@@ -4,6 +4,7 @@
 #include <QFileInfo>
 #include <cstring>
 
+#include "project/xml_text.h"
 #include "xml/qt_xml_document.h"
 #include "xml/xml_string.h"
 
@@ -17,11 +18,6 @@ XMLElement* appendElement(XMLNode* parent, const QString& tag) {
   auto* element = new XMLElement(copyXmlString(tag.toUtf8().toStdString()));
   parent->addChild(element);
   return element;
-}
-
-QString attributeText(const XMLElement* element, const char* name) {
-  const char* value = element->getAttribute(name);
-  return value == nullptr ? QString() : QString::fromUtf8(value);
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 #include "expr/parser_exception.h"
 #include "expr/simple_expression_parser.h"
 #include "project/macro_expander.h"
+#include "project/xml_text.h"
 #include "xml/xml_parser.h"
 #include "xml/xml_string.h"
 
@@ -25,15 +26,6 @@ const QString kPrefix = QStringLiteral("XmlPP::processConditionals(): ");
 constexpr int kMaximumNesting = 256;
 constexpr size_t kMaximumLoopElements = 100000;
 constexpr int kMaximumIncludeDepth = 16;
-
-QString attributeText(const XMLElement* element, const char* name) {
-  const char* value = element->getAttribute(name);
-  return value == nullptr ? QString() : QString::fromUtf8(value);
-}
-
-void setAttributeText(XMLElement* element, const char* name, const QString& value) {
-  element->setAttribute(copyXmlString(name), copyXmlString(value.toUtf8().toStdString()));
-}
 
 QStringList commaList(const QString& text) { return text.split(u',', Qt::SkipEmptyParts); }
 
