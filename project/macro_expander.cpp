@@ -23,11 +23,12 @@ constexpr DateMacro kDateMacros[] = {
 };
 
 // A default that holds a macro asks for another pass; a text that keeps changing
-// without end (two macros that name each other) stops after this many passes, and
-// an expansion that grows past the size limit stops with the text of the pass
-// before.
+// without end (two macros that name each other) stops after this many passes or
+// once the passes together have read this many characters, and an expansion that
+// grows past the size limit stops with the text of the pass before.
 constexpr int kMaximumPasses = 64;
-constexpr qsizetype kMaximumExpansionLength = qsizetype{1} << 20;
+constexpr qsizetype kMaximumExpansionLength = qsizetype{1} << 18;
+constexpr qsizetype kMaximumCharactersRead = qsizetype{1} << 20;
 
 }  // namespace
 
@@ -43,8 +44,10 @@ MacroExpander& macroExpander() {
 }
 
 QString MacroExpander::dateMacroValue(const QString& name) const {
+  // Every date macro's name begins with one of these; most names are passed over here.
+  if (!name.startsWith(u"Date") && !name.startsWith(u"Time") && name != u"UnixTime") return QString();
   for (const DateMacro& macro : kDateMacros) {
-    if (name != QString::fromUtf16(macro.name)) continue;
+    if (name != QStringView(macro.name)) continue;
     const QDateTime now = clock_();
     if (macro.format[0] == u'\0') return QString::number(now.toSecsSinceEpoch());
     return QLocale::c().toString(now, QString::fromUtf16(macro.format));
@@ -165,7 +168,9 @@ QString MacroExpander::expand(const MacroMap& map, const QString& text, bool use
   if (!text.contains(macroCharacter_)) return text;
   QString input = text;
   QString output;
-  for (int pass = 0; pass < kMaximumPasses; ++pass) {
+  qsizetype read = 0;
+  for (int pass = 0; pass < kMaximumPasses && read <= kMaximumCharactersRead; ++pass) {
+    read += input.size();
     bool sawNestedMacro = false;
     if (!expandOnce(map, input, useGlobal, useSystem, output, sawNestedMacro)) return input;
     // A pass that leaves the text as it was has reached the fixed point.
