@@ -501,6 +501,20 @@ bool ProjectSystem::saveSolutionFile(ProjectElement* solution) {
   return true;
 }
 
+QList<ProjectElement*> ProjectSystem::externallyChangedSolutions() const {
+  QList<ProjectElement*> changed;
+  for (ProjectElement* solution : solutions_) {
+    const QFileInfo file(solution->filePath());
+    if (file.exists() && file.lastModified() != solution->fileTime()) changed.append(solution);
+  }
+  return changed;
+}
+
+void ProjectSystem::acceptExternalChanges() {
+  for (ProjectElement* solution : solutions_)
+    if (QFileInfo::exists(solution->filePath())) solution->setFileTime(QFileInfo(solution->filePath()).lastModified());
+}
+
 namespace {
 
 // A solution counts as modified when it or an element of its own (not of a linked
@@ -518,6 +532,15 @@ bool solutionModified(ProjectElement* solution) {
 }
 
 }  // namespace
+
+QString ProjectSystem::externalChangeQuestion(const QString& applicationName) const {
+  bool unsaved = false;
+  for (ProjectElement* solution : solutions_) unsaved |= solutionModified(solution);
+  if (unsaved)
+    return "The project file been modified within " + applicationName +
+           " and has also been modified externally.\n\nDo you want to re-load the project?";
+  return "The project file been modified externally.\n\nDo you want to re-load the project?";
+}
 
 void ProjectSystem::saveAll(ProjectFileSaveErrorHandler* handler) {
   for (ProjectElement* solution : solutions_) {

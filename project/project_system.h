@@ -147,6 +147,15 @@ class ProjectSystem : public QObject {
   const PropertyClass* findClass(const QString& name) const { return classes_.value(name); }
   PropertyGroupFileCache& groupFiles() { return groupFiles_; }
 
+  // The solutions whose files have been written by someone else since they were
+  // read or saved here: their file's time differs from the one remembered.
+  QList<ProjectElement*> externallyChangedSolutions() const;
+  // What the user is asked about such a change, with or without unsaved changes here.
+  QString externalChangeQuestion(const QString& applicationName) const;
+  // Takes the files' present times as known, so that the question waits for the
+  // next change.
+  void acceptExternalChanges();
+
   // Tells that the project's structure or paths have changed.
   void announceProjectChange(ProjectElement* project) { emit projectChanged(project); }
   // Undoes the recorded changes made at or after `since`, newest first.

@@ -208,6 +208,23 @@ TEST_F(SolutionFiles, OldVersionsLoadAsVersionTwoWithoutAChange) {
   EXPECT_EQ(folder.read("old.lkProject"), kHeader + "<solution target=\"8\" version=\"2\">\n  <project Name=\"P\" />\n</solution>\n");
 }
 
+TEST_F(SolutionFiles, OutsideWritesAreNoticedUntilAccepted) {
+  const QString path = write("s.lkProject", "<!DOCTYPE Larkloom_Project_File>\n<solution Name=\"S\"><project Name=\"P\"/></solution>");
+  system.loadSolution(path);
+  EXPECT_TRUE(system.externallyChangedSolutions().isEmpty());
+  QFile file(path);
+  ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+  ASSERT_TRUE(file.setFileTime(file.fileTime(QFileDevice::FileModificationTime).addSecs(5), QFileDevice::FileModificationTime));
+  file.close();
+  EXPECT_EQ(system.externallyChangedSolutions(), QList<ProjectElement*>{system.root()});
+  EXPECT_EQ(system.externalChangeQuestion("Loom"), "The project file been modified externally.\n\nDo you want to re-load the project?");
+  system.root()->setAttribute("x", "1");
+  EXPECT_EQ(system.externalChangeQuestion("Loom"),
+            "The project file been modified within Loom and has also been modified externally.\n\nDo you want to re-load the project?");
+  system.acceptExternalChanges();
+  EXPECT_TRUE(system.externallyChangedSolutions().isEmpty());
+}
+
 TEST_F(SolutionFiles, ChangesAreRecordedSignalledAndForgotten) {
   system.loadSolution(write("s.lkProject", "<!DOCTYPE Larkloom_Project_File>\n<solution Name=\"S\">"
                                            "<configuration Name=\"Debug\" x=\"s\"/><project Name=\"P\" />"
