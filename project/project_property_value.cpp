@@ -55,6 +55,18 @@ PropertyValue* ProjectMacrosProjectPropertyValue::clone() const {
   return new ProjectMacrosProjectPropertyValue(system_, propertyClass(), element(), configuration());
 }
 
+DynamicFolderPropertyValue::DynamicFolderPropertyValue(const PropertyClass* propertyClass, ProjectElement* folder)
+    : SimplePropertyValue(propertyClass, folder->attribute(propertyClass->name())), folder_(folder) {}
+
+PropertyValue* DynamicFolderPropertyValue::clone() const {
+  return new DynamicFolderPropertyValue(propertyClass(), folder_);
+}
+
+void DynamicFolderPropertyValue::setPropertyValue(const QString& text) {
+  SimplePropertyValue::setPropertyValue(text);
+  folder_->setAttribute(propertyClass()->name(), text);
+}
+
 namespace {
 
 // Attribute texts as the description's HTML shows them.

@@ -53,6 +53,19 @@ class ProjectMacrosProjectPropertyValue : public ProjectDirectoryProjectProperty
   PropertyValue* clone() const override;
 };
 
+// One of the attributes that make a folder dynamic (path, filter, recurse,
+// exclude): read from the folder element and written back to it.
+class DynamicFolderPropertyValue : public SimplePropertyValue {
+ public:
+  DynamicFolderPropertyValue(const PropertyClass* propertyClass, ProjectElement* folder);
+  PropertyValue* clone() const override;
+  bool isReadOnly() const override { return false; }
+  void setPropertyValue(const QString& text) override;
+
+ private:
+  ProjectElement* folder_;
+};
+
 // The value of a group property: choosing an entry applies the entry's property
 // values and files to the element, then stores the entry's name.
 class PropertyValueGroupValue : public ProjectPropertyValue {

@@ -19,6 +19,7 @@
 #include "project/macro_map.h"
 #include "project/project_element.h"
 #include "project/property_group_file.h"
+#include "project/property_value.h"
 #include "project/property_class.h"
 
 namespace regmill {
@@ -156,6 +157,13 @@ class ProjectSystem : public QObject {
   // next change.
   void acceptExternalChanges();
 
+  // The classes the property grid shows for elements of a kind; not owned.
+  void setKindClasses(ProjectElementKind kind, QList<const PropertyClass*> classes) { kindClasses_[int(kind)] = classes; }
+  // A new list for the property grid: a dynamic folder's own attributes, or the
+  // concrete system's base list; then the facts of the element (paths, size,
+  // dates) and a value for each class of its kind, in the configuration.
+  PropertyValueList propertyList(ProjectElement* element, const QString& configuration);
+
   // Tells that the project's structure or paths have changed.
   void announceProjectChange(ProjectElement* project) { emit projectChanged(project); }
   // Undoes the recorded changes made at or after `since`, newest first.
@@ -198,6 +206,9 @@ class ProjectSystem : public QObject {
  protected:
   // Hooks of the concrete system.
   virtual void beginLoad(const QString& file) {}
+  virtual PropertyValueList baseProperties(ProjectElement* element, const QString& configuration) {
+    return PropertyValueList();
+  }
   virtual void finishLoad(ProjectElement* root) {}
   virtual QString outputMacro(ProjectElement* element, const QString& configuration) = 0;
   virtual QString hostMacro(ProjectElement* element, const QString& configuration) = 0;
@@ -239,6 +250,7 @@ class ProjectSystem : public QObject {
   std::vector<ProjectElement*> dynamicFolders_;
   std::map<QString, std::unique_ptr<PropertyClass>> ownClasses_;
   QMap<QString, const PropertyClass*> classes_;
+  QMap<int, QList<const PropertyClass*>> kindClasses_;
   PropertyGroupFileCache groupFiles_;
 };
 

@@ -10,6 +10,7 @@
 #include <filesystem>
 
 #include "project/macro_expander.h"
+#include "project/project_property_value.h"
 #include "project/project_system.h"
 #include "tests/project/qt_printers.h"
 #include "tests/support/scratch_folder.h"
@@ -194,6 +195,32 @@ TEST_F(SolutionRoundTrip, AnEditedPropertyIsSavedAloneAndReadsBack) {
   check.start(xmllint, {"--noout", main});
   ASSERT_TRUE(check.waitForFinished());
   EXPECT_EQ(check.exitCode(), 0) << check.readAllStandardError().toStdString();
+}
+
+TEST_F(SolutionRoundTrip, ThePropertyGridGetsFactsAndAValueForEachClassOfTheKind) {
+  PropertyClass level({.name = "level", .shortCaption = "Level"});
+  PropertyClass directory({.name = "project_directory"});
+  system.setKindClasses(ProjectElementKind::File, {&level});
+  system.setKindClasses(ProjectElementKind::Project, {&directory, &level});
+  auto describe = [](const PropertyValueList& list) {
+    QStringList shown;
+    for (PropertyValue* value : list)
+      shown << value->propertyClass()->name() + "=" + value->propertyValue().section(u'/', -1) + (value->isReadOnly() ? " (fact)" : "");
+    return shown;
+  };
+  ProjectElement* app = child(system.root(), "App");
+  folder.write("app/main.c", "int main;");
+  EXPECT_EQ(describe(system.propertyList(child(child(app, "Source"), "main.c"), "Debug")),
+            (QStringList{"full_path=main.c (fact)", "file_name=main.c (fact)", "file_size=9 (fact)",
+                         "file_modified=" + QFileInfo(QString::fromStdString(folder.file("app/main.c"))).lastModified().toString(Qt::ISODate) + " (fact)",
+                         "level=3"}));
+  PropertyValueList projectList = system.propertyList(app, "Debug");
+  EXPECT_EQ(describe(projectList), (QStringList{"project_directory_path=app (fact)", "project_directory=app", "level="}));
+  EXPECT_NE(dynamic_cast<ProjectDirectoryProjectPropertyValue*>(projectList.at(1)), nullptr);
+  PropertyValueList dynamicList = system.propertyList(child(app, "Generated"), "Debug");
+  EXPECT_EQ(describe(dynamicList), (QStringList{"path=gen", "filter=*.c", "recurse=Yes", "exclude="}));
+  dynamicList.at(3)->setPropertyValue("*.h");
+  EXPECT_EQ(child(app, "Generated")->attribute("exclude"), "*.h");
 }
 
 TEST_F(SolutionFiles, OldVersionsLoadAsVersionTwoWithoutAChange) {
