@@ -37,16 +37,23 @@ bool readDomDocument(const QByteArray& text, QDomDocument& document, QString& er
   document.setContent(QByteArray("<x/>"));
   document.removeChild(document.documentElement());
   QDomNode current = document;
+  // The DOM frees its nodes recursively: a deeper text is refused.
+  constexpr int kMaximumDepth = 1024;
+  int depth = 0;
   while (!reader.atEnd()) {
     switch (reader.readNext()) {
       case QXmlStreamReader::StartElement: {
+        if (++depth > kMaximumDepth) reader.raiseError(QString("elements nested deeper than %1 levels").arg(kMaximumDepth));
         QDomElement element = document.createElement(reader.qualifiedName().toString());
         for (const QXmlStreamAttribute& attribute : reader.attributes())
           element.setAttribute(attribute.qualifiedName().toString(), attribute.value().toString());
         current = current.appendChild(element);
         break;
       }
-      case QXmlStreamReader::EndElement: current = current.parentNode(); break;
+      case QXmlStreamReader::EndElement:
+        current = current.parentNode();
+        --depth;
+        break;
       case QXmlStreamReader::Characters:
         if (current.isElement())
           current.appendChild(reader.isCDATA() ? QDomNode(document.createCDATASection(reader.text().toString()))
