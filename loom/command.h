@@ -29,5 +29,6 @@ int runPkg(Arguments arguments);
 int runScript(Arguments arguments);
 int runDiff(Arguments arguments);
 int runEdit(Arguments arguments);
+int runProject(Arguments arguments);
 
 }  // namespace loom

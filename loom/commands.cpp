@@ -17,6 +17,8 @@ constexpr Command kCommands[] = {
      runDiff},
     {"edit", "FILE [--encoding NAME] [--do COMMAND]... [--replace FIND WITH]... [--save-as OUT] [--batch]",
      "Edit a text file in a window, or run editing commands on it and save it", runEdit},
+    {"project", "show|get|set|expand|preprocess ARGUMENTS...",
+     "Show, read, change or expand the settings of a solution, or preprocess an XML file", runProject},
 };
 
 std::span<const Command> commands() { return kCommands; }

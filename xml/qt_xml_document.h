@@ -4,6 +4,8 @@
 // includes this header.
 #pragma once
 #include <QString>
+#include <map>
+#include <memory>
 
 #include "xml/xml_document.h"
 
@@ -20,11 +22,24 @@ class QXMLDocument : public XMLDocument {
 };
 
 // The base of documents that pass the conditional preprocessor; each says what
-// becomes of the preprocessor's messages. A new one has text nodes off.
+// becomes of the preprocessor's messages. Text nodes are off unless asked for. The
+// document keeps the fragments that the preprocessor stores by name, for as long
+// as it lives.
 class XMLPP2 : public QXMLDocument {
  public:
-  XMLPP2() : QXMLDocument(false) {}
+  explicit XMLPP2(bool textNodes = false) : QXMLDocument(textNodes) {}
   virtual void reportError(const QString& message) = 0;
+
+  // Takes the element over; a fragment stored before under that name is freed.
+  void storeFragment(const QString& name, XMLElement* element) { fragments_[name].reset(element); }
+  // Null when none has that name.
+  const XMLElement* fragment(const QString& name) const {
+    auto found = fragments_.find(name);
+    return found == fragments_.end() ? nullptr : found->second.get();
+  }
+
+ private:
+  std::map<QString, std::unique_ptr<XMLElement>> fragments_;
 };
 
 // The text of all XMLData children of the element, joined in order; the QString

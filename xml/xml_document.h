@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <memory>
+#include <utility>
 
 #include "base/status.h"
 #include "xml/xml_arena.h"
@@ -47,6 +48,8 @@ class XMLDocument {
   XMLNode* root() const { return root_; }
   // Takes the node over; a former root is destroyed (in a heap document).
   void setRoot(XMLNode* root);
+  // Hands the root over to the caller and leaves the document without one.
+  XMLNode* releaseRoot() { return std::exchange(root_, nullptr); }
   bool textNodes() const { return textNodes_; }
   // Null for a heap document.
   XMLArena* arena() const { return arena_.get(); }

@@ -10,6 +10,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace regmill {
@@ -29,6 +30,19 @@ class XMLNode {
   virtual void removeChild(XMLNode* node);
   virtual void replaceChild(XMLNode* oldNode, XMLNode* newNode);
   virtual void insertChildrenAfter(XMLNode* child, XMLNode* chain);
+  // Unlinks one child and leaves it as a node that was never linked: no parent, no
+  // next sibling.
+  void detachChild(XMLNode* node) {
+    removeChild(node);
+    node->parent_ = nullptr;
+    node->nextSibling_ = nullptr;
+  }
+  // Unlinks all children at once and gives the first; they stay chained to one
+  // another, ready for insertChildrenAfter.
+  XMLNode* takeChildren() {
+    lastChild_ = nullptr;
+    return std::exchange(firstChild_, nullptr);
+  }
 
   // The tag of an element, the character data of the other kinds. setName takes the
   // new text over and leaves the old one to the caller.

@@ -1,0 +1,362 @@
+// Solution files: load failures with their texts, byte-stable saving of realistic
+// solutions (links with macros, nested and dynamic folders, inherited
+// configurations, non-ASCII values), edits recorded and signalled in order, and
+// links that meet.
+#include <gtest/gtest.h>
+
+#include <QFileInfo>
+#include <QProcess>
+#include <QStandardPaths>
+#include <filesystem>
+
+#include "project/macro_expander.h"
+#include "project/project_property_value.h"
+#include "project/project_system.h"
+#include "tests/project/qt_printers.h"
+#include "tests/support/scratch_folder.h"
+
+namespace regmill {
+namespace {
+
+using testing::ScratchFolder;
+
+const std::string kHeader = "<?xml  version=\"1.0\" encoding=\"UTF-8\" ?>\n<!DOCTYPE Larkloom_Project_File>\n";
+
+class SolutionFiles : public ::testing::Test {
+ protected:
+  QString write(const std::string& name, const std::string& text) {
+    return QString::fromStdString(folder.write(name, text));
+  }
+  // The load failure as "file|message|line", or "loaded".
+  std::string loadFailure(const QString& path) {
+    try {
+      system.loadSolution(path);
+      return "loaded";
+    } catch (const SolutionLoadError& error) {
+      EXPECT_EQ(system.root(), nullptr);
+      QString file = error.file;
+      file.replace(QString::fromStdString(folder.path().string()) + "/", "");
+      return (file + "|" + error.message + "|" + QString::number(error.line)).toStdString();
+    }
+  }
+  ProjectElement* child(ProjectElement* parent, const QString& name) {
+    for (ProjectElement* element : parent->childElements())
+      if (!element->is(ProjectElementKind::Configuration) && element->name() == name) return element;
+    return nullptr;
+  }
+  ScratchFolder folder;
+  StandardProjectSystem system;
+};
+
+TEST_F(SolutionFiles, LoadFailuresCarryTheirTexts) {
+  std::filesystem::create_directory(folder.path() / "dir.lkProject");
+  struct Case { const char* name; const char* text; const char* failure; };
+  const Case cases[] = {
+      {"missing.lkProject", nullptr, "missing.lkProject| does not exist|0"},
+      {"dir.lkProject", nullptr, "dir.lkProject| cannot access|0"},
+      {"other.lkProject", "<!DOCTYPE Other>\n<solution/>", "other.lkProject| not a solution file|0"},
+      {"untyped.lkProject", "<solution/>", "untyped.lkProject| not a solution file|0"},
+      {"project.lkProject", "<!DOCTYPE Larkloom_Project_File>\n<project/>", "project.lkProject| not a solution file|0"},
+      {"bad.lkProject", "<!DOCTYPE Larkloom_Project_File>\n<solution>\n<project>\n</solution>", "bad.lkProject|tagName mismatch|4"},
+      {"empty.lkProject", "<!DOCTYPE Larkloom_Project_File>\n", "empty.lkProject| is a malformed solution file (bad XML)|0"},
+      {"self.lkProject", "<!DOCTYPE Larkloom_Project_File>\n<solution><import file_name=\"self.lkProject\"/></solution>",
+       "self.lkProject| solution already loaded|0"},
+      {"target.lkProject", "<!DOCTYPE Larkloom_Project_File>\n<solution target=\"3\"/>", "target.lkProject|invalid solution target (3)|0"},
+      {"zero.lkProject", "<!DOCTYPE Larkloom_Project_File>\n<solution target=\"0\"/>", "loaded"},
+      {"own.lkProject", "<!DOCTYPE Larkloom_Project_File>\n<solution target=\"8\"/>", "loaded"},
+      {"templated.lkProject", "<!DOCTYPE Larkloom_Project_File>\n<solution><project Name=\"P\" template_name=\"T\"/></solution>",
+       "templated.lkProject|project template not foundT|0"},
+      {"unnamed.lkProject", "<!DOCTYPE Larkloom_Project_File>\n<solution><project Name=\"P\" template_name=\"\"/></solution>",
+       "unnamed.lkProject|no template for project P|0"},
+  };
+  for (const Case& c : cases) {
+    const QString path = c.text == nullptr ? QString::fromStdString(folder.file(c.name)) : write(c.name, c.text);
+    EXPECT_EQ(loadFailure(path), c.failure) << c.name;
+  }
+}
+
+TEST_F(SolutionFiles, LoadCommandsRunInTheSolutionFolderAndStopTheLoadOnFailure) {
+  const std::string head = "<!DOCTYPE Larkloom_Project_File>\n<solution load_command_environment=\"WHO=loom;;\" load_command=\"";
+  EXPECT_EQ(loadFailure(write("ok.lkProject", head + "sh -c &quot;echo $WHO &gt; made.txt&quot; &amp;&amp; true\"/>")), "loaded");
+  EXPECT_EQ(folder.read("made.txt"), "loom\n");
+  EXPECT_EQ(loadFailure(write("code.lkProject", head + "true &amp;&amp; sh -c &quot;exit 3&quot; &amp;&amp; touch never\"/>")),
+            "code.lkProject|solution load command failed (3) |0");
+  EXPECT_FALSE(folder.exists("never"));
+  EXPECT_EQ(loadFailure(write("none.lkProject", head + "no-such-program-here\"/>")),
+            "none.lkProject|solution load command \"no-such-program-here\" not found|0");
+}
+
+TEST_F(SolutionFiles, ALinkLoopFailsWhileTwoLinksToOneFileLoad) {
+  write("a.lkProject", "<!DOCTYPE Larkloom_Project_File>\n<solution Name=\"A\"><import file_name=\"b.lkProject\"/></solution>");
+  write("b.lkProject", "<!DOCTYPE Larkloom_Project_File>\n<solution Name=\"B\"><import file_name=\"a.lkProject\"/></solution>");
+  EXPECT_EQ(loadFailure(QString::fromStdString(folder.file("a.lkProject"))), "a.lkProject| solution already loaded|0");
+
+  write("top.lkProject", "<!DOCTYPE Larkloom_Project_File>\n<solution Name=\"Top\"><import file_name=\"l.lkProject\"/>"
+                         "<import file_name=\"r.lkProject\"/><project Name=\"P\"/></solution>");
+  write("l.lkProject", "<!DOCTYPE Larkloom_Project_File>\n<solution Name=\"L\"><import file_name=\"leaf.lkProject\"/></solution>");
+  write("r.lkProject", "<!DOCTYPE Larkloom_Project_File>\n<solution Name=\"R\"><import file_name=\"leaf.lkProject\"/></solution>");
+  write("leaf.lkProject", "<!DOCTYPE Larkloom_Project_File>\n<solution Name=\"Leaf\"><project Name=\"P\"/></solution>");
+  ASSERT_EQ(loadFailure(QString::fromStdString(folder.file("top.lkProject"))), "loaded");
+  EXPECT_EQ(system.projectNames(), (QStringList{"P", "P(L,Leaf)", "P(R,Leaf)"}));
+  EXPECT_EQ(system.solutionNames(), (QStringList{"L", "Leaf", "R", "Top"}));
+  EXPECT_EQ(system.solutions().value("L")->projects().keys(), (QStringList{"P(Leaf)"}));
+}
+
+// A solution as the writer prints it: attributes sorted, two blanks of indentation,
+// attributes spread over lines past 75 columns, non-ASCII bytes as references.
+const std::string kMain = kHeader + R"(<solution Name="Main" target="8" version="2">
+  <configuration Name="Common" c_preprocessor_definitions="TOP" />
+  <configuration Name="Debug" inherited_configurations="Base" />
+  <configuration
+    Name="Base"
+    c_preprocessor_definitions="DEBUG;LEVEL=2"
+    hidden="Yes" />
+  <project Name="App">
+    <configuration
+      Name="Common"
+      project_directory="app"
+      title="Caf&#xc3;&#xa9; &amp; &quot;B&#xc3;&#xa4;r&quot;" />
+    <folder Name="Source">
+      <file file_name="main.c">
+        <configuration Name="Debug" level="3" />
+      </file>
+      <folder Name="Drivers">
+        <file file_name="$(DriverDir)/uart.c" />
+      </folder>
+    </folder>
+    <folder Name="Generated" filter="*.c" path="gen" recurse="Yes" />
+    <file Name="Readme" file_name="README.txt" hidden="Yes" />
+  </project>
+  <import file_name="lib/$(LibName).lkProject" />
+</solution>
+)";
+
+const std::string kLibrary = kHeader + R"(<solution Name="Lib" target="8" version="2">
+  <project Name="Lib">
+    <configuration Name="Common" project_directory="." />
+    <file file_name="lib.c" />
+  </project>
+</solution>
+)";
+
+class SolutionRoundTrip : public SolutionFiles {
+ protected:
+  void SetUp() override {
+    macroExpander().globalMacros().insert("LibName", "core");
+    std::filesystem::create_directories(folder.path() / "lib");
+    std::filesystem::create_directories(folder.path() / "app/gen/deeper");
+    folder.write("app/gen/a.c", "");
+    folder.write("app/gen/b.h", "");
+    folder.write("app/gen/deeper/c.c", "");
+    main = write("main.lkProject", kMain);
+    write("lib/core.lkProject", kLibrary);
+    system.loadSolution(main);
+  }
+  void TearDown() override { macroExpander().globalMacros().remove("LibName"); }
+  QString main;
+};
+
+TEST_F(SolutionRoundTrip, SavingAnUnchangedSolutionGivesItsBytesBack) {
+  ProjectElement* generated = child(child(system.root(), "App"), "Generated");
+  ASSERT_NE(generated, nullptr);
+  QStringList listed;
+  for (ProjectElement* element : generated->childElements()) {
+    listed << element->name();
+    for (ProjectElement* inner : element->childElements()) listed << " " + inner->name();
+  }
+  EXPECT_EQ(listed, (QStringList{"a.c", "deeper", " c.c"}));
+  ProjectElement* lib = child(system.root(), "Lib");
+  ASSERT_NE(lib, nullptr);
+  EXPECT_TRUE(lib->isLink());
+  PropertyClass title({.name = "title"});
+  EXPECT_EQ(system.getValue(child(child(system.root(), "App"), "Readme"), &title, "Debug"),
+            QString::fromUtf8("Caf\xC3\xA9 & \"B\xC3\xA4r\""));
+  ASSERT_TRUE(system.saveSolutionFile(system.root()));
+  ASSERT_TRUE(system.saveSolutionFile(lib));
+  EXPECT_EQ(folder.read("main.lkProject"), kMain);
+  EXPECT_EQ(folder.read("lib/core.lkProject"), kLibrary);
+}
+
+TEST_F(SolutionRoundTrip, AnEditedPropertyIsSavedAloneAndReadsBack) {
+  PropertyClass level({.name = "level"});
+  ProjectElement* mainFile = child(child(child(system.root(), "App"), "Source"), "main.c");
+  system.setProperty(mainFile, &level, "Debug", "4");
+  system.saveAll();
+  std::string expected = kMain;
+  expected.replace(expected.find("level=\"3\""), 9, "level=\"4\"");
+  EXPECT_EQ(folder.read("main.lkProject"), expected);
+  EXPECT_EQ(folder.read("lib/core.lkProject"), kLibrary);
+  system.loadSolution(main);
+  mainFile = child(child(child(system.root(), "App"), "Source"), "main.c");
+  EXPECT_EQ(system.getValue(mainFile, &level, "Debug"), "4");
+  const QString xmllint = QStandardPaths::findExecutable("xmllint");
+  if (xmllint.isEmpty()) GTEST_SKIP() << "xmllint is not installed (libxml2-utils); the saved file was not checked by it";
+  QProcess check;
+  check.start(xmllint, {"--noout", main});
+  ASSERT_TRUE(check.waitForFinished());
+  EXPECT_EQ(check.exitCode(), 0) << check.readAllStandardError().toStdString();
+}
+
+TEST_F(SolutionRoundTrip, ThePropertyGridGetsFactsAndAValueForEachClassOfTheKind) {
+  PropertyClass level({.name = "level", .shortCaption = "Level"});
+  PropertyClass directory({.name = "project_directory"});
+  system.setKindClasses(ProjectElementKind::File, {&level});
+  system.setKindClasses(ProjectElementKind::Project, {&directory, &level});
+  auto describe = [](const PropertyValueList& list) {
+    QStringList shown;
+    for (PropertyValue* value : list)
+      shown << value->propertyClass()->name() + "=" + value->propertyValue().section(u'/', -1) + (value->isReadOnly() ? " (fact)" : "");
+    return shown;
+  };
+  ProjectElement* app = child(system.root(), "App");
+  folder.write("app/main.c", "int main;");
+  EXPECT_EQ(describe(system.propertyList(child(child(app, "Source"), "main.c"), "Debug")),
+            (QStringList{"full_path=main.c (fact)", "file_name=main.c (fact)", "file_size=9 (fact)",
+                         "file_modified=" + QFileInfo(QString::fromStdString(folder.file("app/main.c"))).lastModified().toString(Qt::ISODate) + " (fact)",
+                         "level=3"}));
+  PropertyValueList projectList = system.propertyList(app, "Debug");
+  EXPECT_EQ(describe(projectList), (QStringList{"project_directory_path=app (fact)", "project_directory=app", "level="}));
+  EXPECT_NE(dynamic_cast<ProjectDirectoryProjectPropertyValue*>(projectList.at(1)), nullptr);
+  PropertyValueList dynamicList = system.propertyList(child(app, "Generated"), "Debug");
+  EXPECT_EQ(describe(dynamicList), (QStringList{"path=gen", "filter=*.c", "recurse=Yes", "exclude="}));
+  dynamicList.at(3)->setPropertyValue("*.h");
+  EXPECT_EQ(child(app, "Generated")->attribute("exclude"), "*.h");
+}
+
+TEST_F(SolutionFiles, OldVersionsLoadAsVersionTwoWithoutAChange) {
+  const std::string text = "<!DOCTYPE Larkloom_Project_File>\n<solution Name=\"Old\" version=\"1\"><project Name=\"P\"/></solution>";
+  system.loadSolution(write("old.lkProject", text));
+  EXPECT_EQ(system.root()->attribute("version"), "2");
+  EXPECT_FALSE(system.root()->isModified());
+  system.saveAll();
+  EXPECT_EQ(folder.read("old.lkProject"), text);
+  system.root()->setAttribute("Name", "");
+  system.saveAll();
+  EXPECT_EQ(folder.read("old.lkProject"), kHeader + "<solution target=\"8\" version=\"2\">\n  <project Name=\"P\" />\n</solution>\n");
+}
+
+TEST_F(SolutionFiles, OutsideWritesAreNoticedUntilAccepted) {
+  const QString path = write("s.lkProject", "<!DOCTYPE Larkloom_Project_File>\n<solution Name=\"S\"><project Name=\"P\"/></solution>");
+  system.loadSolution(path);
+  EXPECT_TRUE(system.externallyChangedSolutions().isEmpty());
+  QFile file(path);
+  ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+  ASSERT_TRUE(file.setFileTime(file.fileTime(QFileDevice::FileModificationTime).addSecs(5), QFileDevice::FileModificationTime));
+  file.close();
+  EXPECT_EQ(system.externallyChangedSolutions(), QList<ProjectElement*>{system.root()});
+  EXPECT_EQ(system.externalChangeQuestion("Loom"), "The project file been modified externally.\n\nDo you want to re-load the project?");
+  system.root()->setAttribute("x", "1");
+  EXPECT_EQ(system.externalChangeQuestion("Loom"),
+            "The project file been modified within Loom and has also been modified externally.\n\nDo you want to re-load the project?");
+  system.acceptExternalChanges();
+  EXPECT_TRUE(system.externallyChangedSolutions().isEmpty());
+}
+
+TEST_F(SolutionFiles, ChangesAreRecordedSignalledAndForgotten) {
+  system.loadSolution(write("s.lkProject", "<!DOCTYPE Larkloom_Project_File>\n<solution Name=\"S\">"
+                                           "<configuration Name=\"Debug\" x=\"s\"/><project Name=\"P\" />"
+                                           "</solution>"));
+  QStringList events;
+  QObject::connect(&system, &ProjectSystem::propertyChanged,
+                   [&](ProjectElement* element, const QString& configuration, const PropertyClass* c) {
+                     events << "property " + element->name() + " " + configuration + " " + c->name();
+                   });
+  QObject::connect(&system, &ProjectSystem::configurationsChanged, [&](ProjectElement* s) { events << "configurations " + s->name(); });
+  QObject::connect(&system, &ProjectSystem::projectChanged, [&](ProjectElement* p) { events << "project " + p->name(); });
+  QObject::connect(&system, &ProjectSystem::fileSaved, [&](const QString& file) { events << "saved " + QFileInfo(file).fileName(); });
+  ProjectElement* project = child(system.root(), "P");
+  PropertyClass x({.name = "x"}), directory({.name = "project_directory"});
+  const QDateTime start = QDateTime::currentDateTimeUtc();
+  system.setProperty(project, &x, "Debug", "p");
+  system.setProperty(project, &directory, "Common", "d");
+  system.setProperty(system.root(), &x, "Debug", "s2");
+  ASSERT_EQ(system.changeRecords().size(), 3);
+  EXPECT_TRUE(system.changeRecords()[0].oldValue.isNull());
+  EXPECT_EQ(system.changeRecords()[2].oldValue, "s");
+  system.removeProperty(project, &x, "Debug");
+  EXPECT_EQ(project->configuration("Debug"), nullptr);  // only its Name was left
+  system.removeProperty(system.root(), &x, "Debug");
+  EXPECT_NE(system.root()->configuration("Debug"), nullptr);  // a solution keeps it
+  EXPECT_EQ(events, (QStringList{"configurations S", "property P Debug x", "configurations S", "property P Common project_directory",
+                                 "project P", "property S Debug x", "property P Debug x", "property S Debug x"}));
+  events.clear();
+  system.forgetChanges(start);
+  EXPECT_TRUE(system.changeRecords().isEmpty());
+  EXPECT_EQ(system.getLocalValue(system.root(), &x, "Debug"), "s");
+  EXPECT_TRUE(system.getLocalValue(project, &x, "Debug").isNull());
+  // Newest first; the project's Debug configuration, gone with its last value, comes back.
+  EXPECT_EQ(events, (QStringList{"property S Debug x", "configurations S", "property P Debug x", "property S Debug x",
+                                 "property P Common project_directory", "property P Debug x"}));
+  EXPECT_FALSE(system.root()->isModified());
+  system.setProperty(project, &x, "Debug", "kept");
+  events.clear();
+  system.saveAll();
+  EXPECT_EQ(events, QStringList{"saved s.lkProject"});
+  EXPECT_TRUE(system.changeRecords().isEmpty());
+}
+
+TEST_F(SolutionFiles, ConfigurationsAreNamedRenamedAndRemovedAcrossTheTree) {
+  system.loadSolution(write("s.lkProject", "<!DOCTYPE Larkloom_Project_File>\n<solution Name=\"S\">"
+                                           "<configuration Name=\"Base\" hidden=\"Yes\" />"
+                                           "<configuration Name=\"Debug\" inherited_configurations=\"Base;X\" />"
+                                           "<project Name=\"P\"><configuration Name=\"Base\" v=\"1\" />"
+                                           "<file file_name=\"a.c\"><configuration Name=\"Base\" v=\"2\" /></file></project>"
+                                           "</solution>"));
+  ProjectElement* solution = system.root();
+  QString message;
+  struct Case { const char* name; const char* message; };
+  const Case refused[] = {
+      {"A/B", "The character '/' is not allowed in configuration names"},
+      {"say \"hi\"", "The character '\"' is not allowed in configuration names"},
+      {"a*", "The character '*' is not allowed in configuration names"},
+      {"Common", "The configuration 'Common' already exists in solution S"},
+      {"  Debug ", "The configuration 'Debug' already exists in solution S"},
+  };
+  for (const Case& c : refused) {
+    EXPECT_EQ(system.addSolutionConfiguration(solution, c.name, false, message), nullptr) << c.name;
+    EXPECT_EQ(message, c.message);
+  }
+  ProjectElement* added = system.addSolutionConfiguration(solution, "  Flash   Release ", true, message);
+  ASSERT_NE(added, nullptr);
+  EXPECT_EQ(added->attribute("Name") + "|" + added->attribute("hidden"), "Flash Release|Yes");
+
+  ASSERT_TRUE(system.renameConfiguration(solution, "Base", "Shared", message));
+  EXPECT_EQ(solution->configuration("Debug")->attribute("inherited_configurations"), "Shared;X");
+  EXPECT_EQ(solution->inherited().value("Debug"), (QStringList{"Shared", "X"}));
+  PropertyClass v({.name = "v"});
+  ProjectElement* file = child(child(solution, "P"), "a.c");
+  EXPECT_EQ(system.getValue(file, &v, "Debug"), "2");
+  system.removeConfiguration(solution, "Shared");
+  EXPECT_EQ(system.getValue(file, &v, "Debug"), "");
+  EXPECT_EQ(system.configurationNames(nullptr, 7), (QStringList{"Debug", "Flash Release"}));
+}
+
+TEST_F(SolutionFiles, AddedFilesGoToTheFolderThatFiltersTheirExtension) {
+  system.loadSolution(write("s.lkProject", "<!DOCTYPE Larkloom_Project_File>\n<solution><project Name=\"P\">"
+                                           "<folder Name=\"Headers\" filter=\"h;hpp\" />"
+                                           "<folder Name=\"Sources\"><configuration Name=\"Common\" filter=\"c,s\" /></folder>"
+                                           "</project></solution>"));
+  ProjectElement* project = child(system.root(), "P");
+  EXPECT_EQ(system.addFile(project, "src/Main.C")->parentElement()->name(), "Sources");
+  EXPECT_EQ(system.addFile(project, "inc/a.hpp")->parentElement()->name(), "Headers");
+  EXPECT_EQ(system.addFile(project, "notes.txt")->parentElement()->name(), "P");
+  EXPECT_EQ(system.addFile(child(project, "Headers"), "x.c")->parentElement()->name(), "Headers");
+}
+
+TEST_F(SolutionFiles, LinkingASolutionMapsItsProjectsAndRefusesALoop) {
+  system.loadSolution(write("top.lkProject", "<!DOCTYPE Larkloom_Project_File>\n<solution Name=\"Top\" />"));
+  write("sub.lkProject", "<!DOCTYPE Larkloom_Project_File>\n<solution Name=\"Sub\"><project Name=\"P\" /></solution>");
+  write("back.lkProject", "<!DOCTYPE Larkloom_Project_File>\n<solution Name=\"Back\"><import file_name=\"top.lkProject\" /></solution>");
+  ProjectElement* linked = system.linkSolution(system.root(), "sub.lkProject");
+  ASSERT_NE(linked, nullptr);
+  EXPECT_EQ(system.linkSolution(system.root(), "sub.lkProject"), nullptr);
+  EXPECT_EQ(system.projectNames(), (QStringList{"P(Sub)"}));
+  EXPECT_EQ(linked->attribute("file_name"), QString::fromStdString(folder.file("sub.lkProject")));
+  EXPECT_THROW(system.linkSolution(system.root(), "back.lkProject"), SolutionLoadError);
+  system.saveAll();
+  EXPECT_EQ(folder.read("top.lkProject"), kHeader + "<solution Name=\"Top\" target=\"8\" version=\"2\">\n  <import file_name=\"" +
+                                             folder.file("sub.lkProject") + "\" />\n</solution>\n");
+}
+
+}  // namespace
+}  // namespace regmill

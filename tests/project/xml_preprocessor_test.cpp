@@ -1,0 +1,223 @@
+// The node form of the conditional preprocessor: each directive with its scope
+// rules and messages, loops with their values and order, stored fragments, and
+// inclusion of files from a scratch folder.
+#include "project/xml_preprocessor.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+
+#include "tests/support/scratch_folder.h"
+#include "tests/support/tree_dump.h"
+
+namespace regmill {
+namespace {
+
+// A document that keeps the preprocessor's messages.
+class RecordingDocument : public XMLPP2 {
+ public:
+  explicit RecordingDocument(bool textNodes) : XMLPP2(textNodes) {}
+  void reportError(const QString& message) override {
+    messages += (messages.empty() ? "" : "; ") + message.toStdString();
+  }
+  std::string messages;
+};
+
+struct Run {
+  const char* input;
+  const char* tree;
+  const char* messages = "";
+};
+
+struct Options {
+  MacroMap macros;
+  bool expandAttributes = true;
+  bool textNodes = false;
+  QString fileName = "in.xml";
+};
+
+// The tree after the walk, then " | " and the messages.
+std::string preprocessed(const std::string& text, const Options& options) {
+  RecordingDocument document(options.textNodes);
+  if (!document.parse(text.c_str()).ok()) return "parse failed";
+  processConditionals(document, document.root(), options.fileName, options.macros, options.expandAttributes);
+  return testing::dumpRoot(document) + " | " + document.messages;
+}
+
+void expectRuns(std::initializer_list<Run> runs, const Options& options = {}) {
+  for (const Run& run : runs)
+    EXPECT_EQ(preprocessed(run.input, options), std::string(run.tree) + " | " + run.messages) << run.input;
+}
+
+TEST(XmlPreprocessor, ConditionsHoistOrDrop) {
+  expectRuns({
+      {"<r><if m=\"b,a\"><x/><y/></if><z/></r>", "(r (x) (y) (z))"},
+      {"<r><if m=\"b,,c\"><x/></if></r>", "(r)"},
+      {"<r><if m=\"A\"><x/></if></r>", "(r)"},  // compared case-sensitively
+      {"<r><ifnot m=\"b\"><x/></ifnot><ifnot m=\"a\"><y/></ifnot></r>", "(r (x))"},
+      // An undefined macro is defined empty once asked about; "" is a list without entries.
+      {"<r><if u=\"\"><x/></if><ifnot u=\"\"><y/></ifnot><ifdef name=\"u\"><z/></ifdef></r>", "(r (y) (z))"},
+      {"<r><ifdef name=\"m\"><x/></ifdef><ifndef name=\"m\"><y/></ifndef><ifndef name=\"q\"><z/></ifndef></r>",
+       "(r (x) (z))"},
+      {"<r><if><x/></if><ifnot a=\"1\" b=\"2\"><if m=\"a\"><y/></if></ifnot></r>",
+       "(r (if (x)) (ifnot @a=\"1\" @b=\"2\" (y)))",
+       "XmlPP::processConditionals(): one condition required for <if[not]>; "
+       "XmlPP::processConditionals(): one condition required for <if[not]>"},
+      {"<if m=\"a\"><root/></if>", "(root)"},  // a directive at the top hands over the root
+      {"<r><ifex expression=\"$(n) * 2 == 6\"><x/></ifex><ifex expression=\"0\"><y/></ifex>"
+       "<ifex expression=\"1 +\"><z/></ifex><ifex expression=\"\"><w/></ifex><ifex expression=\"n\"><v/></ifex></r>",
+       "(r (x) (ifex @expression=\"\" (w)))"},
+  }, {.macros = {{"m", "a"}, {"n", "3"}}});
+}
+
+TEST(XmlPreprocessor, DefinitionsHoldForFollowingSiblingsAndTheirDescendantsOnly) {
+  expectRuns({
+      {"<r><a v=\"$(x)\"/><define name=\"x\" value=\"1\"/><b v=\"$(x)\"><c v=\"$(x)\"/></b></r>",
+       "(r (a @v=\"$(x)\") (b @v=\"1\" (c @v=\"1\")))"},
+      // A define inside an if is gone behind the if; one in a child list behind its parent.
+      {"<r><if m=\"a\"><define name=\"x\" value=\"1\"/><a v=\"$(x)\"/></if><b v=\"$(x)\"/>"
+       "<s><define name=\"y\" value=\"2\"/></s><c v=\"$(y)\"/></r>",
+       "(r (a @v=\"1\") (b @v=\"$(x)\") (s) (c @v=\"$(y)\"))"},
+      {"<r><define name=\"e\" expression=\"2+3*$(n)\"/><define name=\"h\" hex_expression=\"255\"/>"
+       "<define name=\"v\" value=\"7\" expression=\"1\"/><define name=\"bad\" expression=\"(\"/>"
+       "<a e=\"$(e)\" h=\"$(h)\" v=\"$(v)\" bad=\"$(bad)\"/></r>",
+       "(r (a @e=\"11\" @h=\"0xFF\" @v=\"7\" @bad=\"$(bad)\"))"},
+      {"<r><define value=\"1\"/><define name=\"x\"/><a/></r>", "(r (a))",
+       "XmlPP::processConditionals(): missing name in <define>; "
+       "XmlPP::processConditionals(): missing value or expression in <define>"},
+  }, {.macros = {{"m", "a"}, {"n", "3"}}});
+}
+
+TEST(XmlPreprocessor, AttributesAreExpandedOnlyWhenAsked) {
+  expectRuns({{"<r a=\"$(m)\" b=\"$(nope)\" c=\"$(m:x)$$\"><define name=\"m\" value=\"z\"/><s a=\"$(m)\"/></r>",
+               "(r @a=\"$(m)\" @b=\"$(nope)\" @c=\"$(m:x)$$\" (s @a=\"$(m)\"))"}},
+             {.macros = {{"m", "a"}}, .expandAttributes = false});
+  expectRuns({{"<r a=\"$(m)\" b=\"$(nope)\" c=\"$(m:x)$$\"/>", "(r @a=\"a\" @b=\"$(nope)\" @c=\"a$\")"}},
+             {.macros = {{"m", "a"}}});
+}
+
+TEST(XmlPreprocessor, SwitchChoosesTheFirstMatchingCaseOrTheDefault) {
+  expectRuns({
+      {"<r><switch name=\"m\"><case value=\"x,b\"><one/></case><other/><default><d/></default>"
+       "<case value=\"b\"><two/></case></switch></r>",
+       "(r (one))"},
+      {"<r><switch name=\"m\"><case value=\"x\"><one/></case><default><d/></default></switch></r>", "(r (d))"},
+      {"<r><switch name=\"m\"><case value=\"x\"><one/></case></switch><z/></r>", "(r (z))"},
+      // A missing macro switches as an empty value, which no case list holds.
+      {"<r><switch name=\"none\"><case value=\",\"><one/></case></switch><ifdef name=\"none\"><y/></ifdef></r>",
+       "(r (y))"},
+  }, {.macros = {{"m", "b"}}});
+}
+
+TEST(XmlPreprocessor, CountedLoopMakesFiveMacrosPerStep) {
+  expectRuns({
+      {"<r><for index=\"i\" start=\"0\" end=\"3\" incr=\"1\" mul=\"4\" add=\"16\">"
+       "<e n=\"$(i)\" a=\"$(i_alpha)\" h=\"$(i_hex)\" p=\"$(i_ap)\" q=\"$(i_ap_hex)\" o=\"$(other)\"/></for><z/></r>",
+       "(r (e @n=\"0\" @a=\"A\" @h=\"0x0\" @p=\"16\" @q=\"0x10\" @o=\"$(other)\")"
+       " (e @n=\"1\" @a=\"B\" @h=\"0x1\" @p=\"20\" @q=\"0x14\" @o=\"$(other)\")"
+       " (e @n=\"2\" @a=\"C\" @h=\"0x2\" @p=\"24\" @q=\"0x18\" @o=\"$(other)\") (z))"},
+      {"<r><for index=\"k\" start=\"$(n)\" end=\"$(n)*4\" incr=\"4\" sub=\"1\"><e p=\"$(k_ap)\"><f k=\"$(k)\"/></e></for></r>",
+       "(r (e @p=\"2\" (f @k=\"3\")) (e @p=\"6\" (f @k=\"7\")) (e @p=\"10\" (f @k=\"11\")))"},
+      {"<r><for index=\"i\" start=\"5\" end=\"5\" incr=\"1\"><e/></for></r>", "(r)"},
+      {"<r><for index=\"i\" start=\"5\" end=\"1\" incr=\"1\"><e/></for></r>", "(r)"},
+      {"<r><for index=\"i\" start=\"0\" end=\"3\"><e/></for><for index=\"i\" start=\"0\" end=\"3\" incr=\"1\"/></r>",
+       "(r)",
+       "XmlPP::processConditionals(): <for index=\"i\" start=\"0\" end=\"32\" incr=\"1\">; "
+       "XmlPP::processConditionals(): <for index=\"i\" start=\"0\" end=\"32\" incr=\"1\">"},
+      {"<r><for index=\"i\" start=\"0\" end=\"3\" incr=\"0\"><e/></for></r>", "(r)",
+       "XmlPP::processConditionals(): <for> with incr=\"0\" never ends and is left out"},
+      // The clones are walked in their turn: a loop's body may hold directives.
+      {"<r><for index=\"i\" start=\"2\" end=\"5\" incr=\"1\"><if n=\"$(i)\"><e i=\"$(i)\"/></if></for></r>",
+       "(r (e @i=\"3\"))"},
+  }, {.macros = {{"n", "3"}}});
+}
+
+TEST(XmlPreprocessor, CartesianLoopVariesTheLastAttributeFastest) {
+  expectRuns({
+      {"<r><foreach a=\"1,2\" b=\"x,&#10;y,\"><e v=\"$(a)$(b)\"/><f/></foreach></r>",
+       "(r (e @v=\"1x\") (f) (e @v=\"1y\") (f) (e @v=\"2x\") (f) (e @v=\"2y\") (f))"},
+      {"<r><foreach><e v=\"$(a)\"/></foreach></r>", "(r (e @v=\"$(a)\"))"},
+      {"<r><foreach a=\"\"><e/></foreach></r>", "(r)"},
+  });
+}
+
+TEST(XmlPreprocessor, LoopBodiesLoseTheirTextWhileConditionsKeepIt) {
+  expectRuns({{"<r><for index=\"i\" start=\"0\" end=\"1\" incr=\"1\">lost<e>kept in a child</e></for>"
+               "<foreach a=\"1\">lost<f/></foreach><if m=\"a\">kept</if></r>",
+               // the parser makes a text node of every gap between tags, empty ones included
+               "(r \"\" (e) \"\" (f) \"\" \"kept\" \"\")"}},
+             {.macros = {{"m", "a"}}, .textNodes = true});
+}
+
+TEST(XmlPreprocessor, LoopsAreBounded) {
+  const std::string result =
+      preprocessed("<r><for index=\"i\" start=\"0\" end=\"0xFFFFFFFF\" incr=\"1\"><e/></for></r>", {});
+  EXPECT_NE(result.find("loops made more than 100000 elements; the rest is left out"), std::string::npos);
+}
+
+TEST(XmlPreprocessor, FragmentsAreStoredUnexpandedAndPutByName) {
+  expectRuns({
+      {"<r><xmldef name=\"f\"><a v=\"$(x)\"/><define name=\"y\" value=\"2\"/><b v=\"$(y)\"/></xmldef>"
+       "<define name=\"x\" value=\"1\"/><xmlput name=\"f\"/><xmlput name=\"f\"/><c v=\"$(y)\"/></r>",
+       "(r (a @v=\"1\") (b @v=\"2\") (a @v=\"1\") (b @v=\"2\") (c @v=\"$(y)\"))"},
+      {"<r><xmldef name=\"f\"><a/></xmldef><xmldef name=\"f\"><b/></xmldef><xmlput name=\"f\"/></r>", "(r (b))"},
+      {"<r><xmlput name=\"none\"><a/></xmlput><xmldef><b/></xmldef></r>",
+       "(r (xmlput @name=\"none\" (a)) (xmldef (b)))",
+       "XmlPP::processConditionals(): xmlput cannot fine xmldef named none"},
+  });
+  // Without expansion a put takes its own macros only when it asks for them.
+  expectRuns({{"<r><xmldef name=\"f\"><a v=\"$(x)\"/></xmldef><xmlput name=\"f\"/>"
+               "<xmlput name=\"f\" expand_macros=\"\" macros=\"x=3;&#10;y=4\"/></r>",
+               "(r (a @v=\"$(x)\") (a @v=\"3\"))"}},
+             {.expandAttributes = false});
+}
+
+class XmlPreprocessorInclude : public ::testing::Test {
+ protected:
+  std::string run(const char* text, MacroMap macros = {}, bool expand = false) {
+    return preprocessed(text, {.macros = std::move(macros), .expandAttributes = expand,
+                               .fileName = QString::fromStdString(folder.file("main.xml"))});
+  }
+  testing::ScratchFolder folder;
+};
+
+TEST_F(XmlPreprocessorInclude, IncludedRootsReplaceTheIncludeAndEnvelopesVanish) {
+  folder.write("part.xml", "<?xml version=\"1.0\"?>\n<!DOCTYPE Other>\n<part k=\"$(k)\"><a k=\"$(k)\"/></part>");
+  folder.write("env.xml", "<envelope><a/><ifdef name=\"k\"><b/></ifdef></envelope>");
+  std::filesystem::create_directory(folder.path() / "sub");
+  folder.write("sub/nested.xml", "<n><include filename=\"../part.xml\"/></n>");
+  EXPECT_EQ(run("<r><include filename=\"part.xml\" inherit_attributes=\"x;missing\" x=\"1\"><lost/></include><z/></r>"),
+            "(r (part @k=\"$(k)\" @x=\"1\" (a @k=\"$(k)\")) (z)) | ");
+  EXPECT_EQ(run("<r><include filename=\"env.xml\"/><include filename=\"part.xml\" no_root=\"\"/></r>", {{"k", "1"}}),
+            "(r (a) (b) (a @k=\"$(k)\")) | ");
+  EXPECT_EQ(run("<r><include filename=\"sub/nested.xml\"/></r>"), "(r (n (part @k=\"$(k)\" (a @k=\"$(k)\")))) | ");
+  EXPECT_EQ(run("<include filename=\"part.xml\"/>"), "(part @k=\"$(k)\" (a @k=\"$(k)\")) | ");
+  // With expansion, the include's own macros are merged over the map.
+  EXPECT_EQ(run("<r><include filename=\"part.xml\" macros=\"k=inner\"/></r>", {{"k", "outer"}}, true),
+            "(r (part @k=\"inner\" (a @k=\"inner\"))) | ");
+  EXPECT_EQ(run("<r><include filename=\"part.xml\"/></r>", {{"k", "outer"}}, true),
+            "(r (part @k=\"outer\" (a @k=\"outer\"))) | ");
+}
+
+TEST_F(XmlPreprocessorInclude, FailuresLeaveTheIncludeInPlaceWithTheirMessages) {
+  folder.write("empty.xml", "<?xml version=\"1.0\"?>\n");
+  folder.write("broken.xml", "<a>\n<b>\n</a>");
+  folder.write("self.xml", "<s><include filename=\"self.xml\"/></s>");
+  const std::string dir = folder.path().string();
+  EXPECT_EQ(run("<r><include filename=\"none.xml\"><ifndef name=\"m\"><x/></ifndef></include></r>"),
+            "(r (include @filename=\"none.xml\" (x))) | XmlPP::processConditionals(): error \"couldn't read " + dir +
+                "/none.xml\" in include file " + dir + "/none.xml line:0");
+  EXPECT_EQ(run("<r><include filename=\"broken.xml\"/></r>"),
+            "(r (include @filename=\"broken.xml\")) | XmlPP::processConditionals(): error \"tagName mismatch\" in "
+            "include file " + dir + "/broken.xml line:2");
+  EXPECT_EQ(run("<r><include filename=\"empty.xml\"/></r>"),
+            "(r (include @filename=\"empty.xml\")) | XmlPP::processConditionals(): error: include file '" + dir +
+                "/empty.xml' is empty");
+  EXPECT_EQ(run("<r><include/></r>"), "(r (include)) | XmlPP::processConditionals(): missing filename in <include>");
+  const std::string cycle = run("<r><include filename=\"self.xml\"/></r>");
+  EXPECT_NE(cycle.find("includes nested deeper than 16 levels at include file " + dir + "/self.xml"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace regmill
