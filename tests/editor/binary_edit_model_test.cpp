@@ -33,8 +33,8 @@ struct ScriptedQuestions : SaveQuestions {
   QStringList log;
 };
 
-BinaryEdit editorWith(const QByteArray& bytes, SaveQuestions* questions = nullptr) {
-  BinaryEdit editor(std::make_unique<FileBinaryEdit>(QString(), questions), questions);
+BinaryEdit editorWith(const QByteArray& bytes) {
+  BinaryEdit editor(std::make_unique<FileBinaryEdit>(QString(), nullptr), nullptr);
   editor.setData(bytes);
   return editor;
 }
@@ -184,7 +184,6 @@ TEST(BinaryEdit, DigitsSizesAndUndoFollowTheCaretRules) {
 
   // A move before address 0 wraps round and moves nothing; the status shows the caret.
   BinaryEdit moves = editorWith(QByteArray(300, 'x'));
-  moves.wordLeft();
   moves.sectorUp();
   EXPECT_EQ(moves.caret(), 0u);
   moves.sectorDown();
