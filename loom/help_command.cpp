@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <cstdio>
 #include <string>
 
@@ -25,12 +24,10 @@ int runHelp(Arguments arguments) {
                 command->summary.data());
     return 0;
   }
-  size_t width = 0;
-  for (const Command& command : commands()) width = std::max(width, usageOf(command).size());
+  // Usages are long, so each summary goes on a line of its own below its usage.
   std::printf("Usage: loom COMMAND [ARGUMENTS...]\n\nCommands:\n");
   for (const Command& command : commands())
-    std::printf("  %-*s  %.*s\n", int(width), usageOf(command).c_str(), int(command.summary.size()),
-                command.summary.data());
+    std::printf("  %s\n      %.*s\n", usageOf(command).c_str(), int(command.summary.size()), command.summary.data());
   return 0;
 }
 
