@@ -16,9 +16,6 @@ QString flat(const QDomDocument& document) { return document.toString(-1).trimme
 
 TEST(DomReader, KeepsWhiteSpaceTextThatQtsParserDrops) {
   const QByteArray text = "<a> <b x=\"1\"/>\n<c>t</c></a>";
-  QDomDocument qt;
-  ASSERT_TRUE(qt.setContent(text));
-  EXPECT_EQ(flat(qt), "<a><b x=\"1\"/><c>t</c></a>");  // Qt 6 drops the blank and the line feed
   QDomDocument ours;
   QString error;
   int line = 0, column = 0;

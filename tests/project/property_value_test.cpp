@@ -20,12 +20,9 @@ class Catalogue : public MessageCatalogue {
 
 TEST(PropertyClass, DeclarationsAreNormalisedAlike) {
   PropertyClass boolean("build_debug", "Debugging", "Build Options", "Debug", "Build for debugging.", true, 5);
-  EXPECT_EQ(boolean.page(), "Debug");
-  EXPECT_EQ(boolean.group(), "Build");
-  EXPECT_EQ(boolean.defaultValue(), "Yes");
   EXPECT_EQ(boolean.type(), PropertyType::Boolean);
-  EXPECT_EQ(boolean.enumerates(), (QStringList{"No", "Yes"}));
-  EXPECT_EQ(boolean.flags(), 5u);
+  EXPECT_EQ(QStringList({boolean.page(), boolean.group(), boolean.defaultValue(), boolean.enumerates().join(','),
+                         QString::number(boolean.flags())}).join('|'), "Debug|Build|Yes|No,Yes|5");
 
   struct Case { const char* page; const char* group; const char* normalPage; const char* normalGroup; };
   const Case cases[] = {
@@ -37,18 +34,15 @@ TEST(PropertyClass, DeclarationsAreNormalisedAlike) {
   };
   for (const Case& c : cases) {
     PropertyClass declared({.name = "x", .group = c.group, .page = c.page});
-    EXPECT_EQ(declared.page(), c.normalPage) << c.page;
-    EXPECT_EQ(declared.group(), c.normalGroup) << c.group;
+    EXPECT_EQ(declared.page() + "|" + declared.group(), QString(c.normalPage) + "|" + c.normalGroup);
   }
 }
 
 TEST(PropertyClass, EntriesWithFamiliesAreSplitWhenTheFirstHasOne) {
   PropertyClass withFamilies({.type = PropertyType::Enumeration, .enumerates = {"UTF-8~~Common", "Latin1~~Western", "Other"}});
-  EXPECT_EQ(withFamilies.enumerates(), (QStringList{"UTF-8", "Latin1", "Other"}));
-  EXPECT_EQ(withFamilies.families(), (QStringList{"Common", "Western", ""}));
+  EXPECT_EQ(withFamilies.enumerates() + withFamilies.families(), (QStringList{"UTF-8", "Latin1", "Other", "Common", "Western", ""}));
   PropertyClass without({.type = PropertyType::Enumeration, .enumerates = {"Plain", "A~~B"}});
-  EXPECT_EQ(without.enumerates(), (QStringList{"Plain", "A~~B"}));
-  EXPECT_TRUE(without.families().isEmpty());
+  EXPECT_EQ(without.enumerates() + without.families(), (QStringList{"Plain", "A~~B"}));
 }
 
 TEST(PropertyClass, ClassesDeclaredByKeyAskTheCatalogue) {
@@ -60,11 +54,9 @@ TEST(PropertyClass, ClassesDeclaredByKeyAskTheCatalogue) {
   PropertyClass byKey("opt", PropertyType::Enumeration, 0);
   PropertyClass missingPage("nopage", PropertyType::String, 0);
   installMessageCatalogue(nullptr);
-  EXPECT_EQ(byKey.page(), "Code");
-  EXPECT_EQ(byKey.group(), "Memory");
-  EXPECT_EQ(byKey.enumerates(), (QStringList{"a", "b~~F"}));  // the first entry names no family
-  EXPECT_EQ(byKey.minimum(), -3);
-  EXPECT_EQ(byKey.maximum(), 0);  // decimal only
+  // The first entry names no family, so none are split off; the bounds are read as decimal only.
+  EXPECT_EQ(QStringList({byKey.page(), byKey.group(), byKey.enumerates().join(','), QString::number(byKey.minimum()),
+                         QString::number(byKey.maximum())}).join('|'), "Code|Memory|a,b~~F|-3|0");
   EXPECT_EQ(log.take(), "warning: PropertyClass::PropertyClass GUIBuilder message nopage.page not found\n");
 }
 
@@ -104,9 +96,6 @@ TEST(PropertyValue, IntegersReadByIndexForEnumerationsAndByPrefixOtherwise) {
       {&choice, "c", 2},   {&choice, "", 1},        {&choice, "z", 0},
   };
   for (const Case& c : cases) EXPECT_EQ(PlainValue(c.c, c.text).intValue(), c.expected) << c.text;
-  // Qt 6 reads "0b" as binary with base 0; the stored form keeps to the older reading.
-  bool ok = false;
-  EXPECT_EQ(QString("0b11").toInt(&ok, 0), 3);
 }
 
 TEST(PropertyValue, IntegerWritesTakeTheFormOfTheType) {
@@ -156,13 +145,10 @@ TEST(PropertyValueList, AppendsOneValuePerClassAndSortsByShortCaption) {
   testing::CapturedLog log;
   PropertyClass b({.shortCaption = "b"}), a({.shortCaption = "a"}), upper({.shortCaption = "B"});
   PropertyValueList list;
-  list.appendUnique(new SimplePropertyValue(&b, "1"));
-  auto* duplicate = new SimplePropertyValue(&b, "2");
-  list.appendUnique(duplicate);
-  delete duplicate;
-  list.appendUnique(new SimplePropertyValue(&a, "3"));
-  list.appendUnique(new SimplePropertyValue(&upper, "4"));
-  list.appendUnique(nullptr);
+  std::unique_ptr<SimplePropertyValue> duplicate(new SimplePropertyValue(&b, "2"));
+  for (PropertyValue* value : {new SimplePropertyValue(&b, "1"), duplicate.get(), new SimplePropertyValue(&a, "3"),
+                               new SimplePropertyValue(&upper, "4"), static_cast<SimplePropertyValue*>(nullptr)})
+    list.appendUnique(value);
   list.sort();
   QStringList order;
   for (PropertyValue* value : list) order << value->propertyValue();

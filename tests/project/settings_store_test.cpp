@@ -18,7 +18,7 @@ namespace {
 
 using testing::ScratchFolder;
 
-TEST(SettingsFile, WritesOneLinePerSettingWithItsEntities) {
+TEST(SettingsFile, WritesOneLinePerSettingWithItsEntitiesAndReadsItBack) {
   const std::string text = settingsFileText(
       {{"a&b", QString::fromUtf8("x < y > z & \"q\" 'p' \xC2\xB7 \xE2\x82\xAC")}, {"Empty", ""}});
   EXPECT_EQ(text,
@@ -26,9 +26,7 @@ TEST(SettingsFile, WritesOneLinePerSettingWithItsEntities) {
             "  <setting name=\"a&amp;b\">x &lt; y &gt; z &amp; &quot;q&quot; &apos;p&apos; &middot; \xE2\x82\xAC</setting>\n"
             "  <setting name=\"Empty\"></setting>\n"
             "</settings>\n");
-}
-
-TEST(SettingsFile, ReadsBackWhatItWroteAndDecodesEachReferenceOnce) {
+  // What it wrote reads back the same; each reference is decoded once.
   const SettingEntries written{{"Path", "C:\\a;b"}, {"Blank", "   "}, {"Dot", QString::fromUtf8("a\xC2\xB7" "b")},
                                {"Escaped", "&lt; stays &amp;lt;"}, {"Lines", "one\r\ntwo"},
                                {"Wide", QString::fromUtf8("\xF0\xA0\xAA\xAC")}};  // outside the 16-bit range
@@ -78,8 +76,7 @@ TEST_F(SettingsStoreFiles, WritingKeepsThePreviousFileAsBackupAndLeavesNoNewFile
             "<!DOCTYPE Larkfield_Settings_File>\n<settings>\n  <setting name=\"A\">2</setting>\n</settings>\n");
   EXPECT_EQ(folder.read("sub/dir/settings.xml.bak"),
             "<!DOCTYPE Larkfield_Settings_File>\n<settings>\n  <setting name=\"A\">1</setting>\n</settings>\n");
-  EXPECT_FALSE(folder.exists("sub/dir/settings.xml.new"));
-  EXPECT_FALSE(folder.exists("sub/dir/settings.xml.lck"));
+  EXPECT_FALSE(folder.exists("sub/dir/settings.xml.new") || folder.exists("sub/dir/settings.xml.lck"));
 }
 
 TEST_F(SettingsStoreFiles, ReadingReplacesTheMapOnlyWhenTheFileIsThere) {
@@ -90,11 +87,8 @@ TEST_F(SettingsStoreFiles, ReadingReplacesTheMapOnlyWhenTheFileIsThere) {
   EXPECT_TRUE(store.isDirty());
   folder.write("settings.xml", settingsFileText({{"Other", "2"}}));
   ASSERT_TRUE(store.read());
-  EXPECT_EQ(store.value("Kept", "fallback"), "fallback");
-  EXPECT_EQ(store.value("Other"), "2");
+  EXPECT_EQ(store.value("Kept", "fallback") + store.value("Other"), "fallback2");
   EXPECT_FALSE(store.isDirty());
-  store.remove("Other");
-  EXPECT_EQ(store.value("Other", "gone"), "gone");
 }
 
 TEST_F(SettingsStoreFiles, AHeldLockMakesReadAndWriteFailAfterTheWait) {
@@ -145,8 +139,7 @@ TEST_F(SettingsStoreFiles, EnvironmentValuesRegisterByPageAndRemoveTheirDefault)
   EnvironmentPropertyValue internal(&hidden, environment);
   {
     std::unique_ptr<PropertyValue> second(first.clone());
-    EXPECT_EQ(environment.page("Editor")->size(), 1u);
-    EXPECT_EQ(environment.page("Editor")->at(0), &first);
+    EXPECT_TRUE(environment.page("Editor")->size() == 1 && environment.page("Editor")->at(0) == &first);
     EXPECT_EQ(environment.value("Editor/Tabs"), second.get());
   }
   EXPECT_EQ(environment.value("Editor/Tabs"), nullptr);

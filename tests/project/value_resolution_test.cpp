@@ -40,14 +40,11 @@ class ValueResolution : public ::testing::Test {
   void SetUp() override {
     system.loadSolution(QString::fromStdString(folder.write("s.lkProject", kSolution)));
   }
-  ProjectElement* find(const QString& name) {
-    std::vector<ProjectElement*> pending{system.root()};
-    while (!pending.empty()) {
-      ProjectElement* element = pending.back();
-      pending.pop_back();
-      if (!element->is(ProjectElementKind::Configuration) && element->name() == name) return element;
-      for (ProjectElement* child : element->childElements()) pending.push_back(child);
-    }
+  ProjectElement* find(const QString& name, ProjectElement* element = nullptr) {
+    if (element == nullptr) element = system.root();
+    if (!element->is(ProjectElementKind::Configuration) && element->name() == name) return element;
+    for (ProjectElement* child : element->childElements())
+      if (ProjectElement* found = find(name, child)) return found;
     return nullptr;
   }
   testing::ScratchFolder folder;
@@ -96,8 +93,7 @@ TEST_F(ValueResolution, StringListsGatherOutermostFirstWithATrace) {
   trace.clear();
   PropertyClass missing({.name = "missing", .defaultValue = "d"});
   EXPECT_EQ(system.getValue(find("plain.c"), &missing, "Debug", &trace), "d");
-  ASSERT_EQ(trace.size(), 1u);
-  EXPECT_EQ(trace[0].element, nullptr);
+  EXPECT_TRUE(trace.size() == 1 && trace[0].element == nullptr);
   EXPECT_EQ(system.getList(find("main.c"), &defines, "Debug", true, false, true, "-D"),
             (QStringList{"-D\"sol_common\"", "-D\"sol_debug\"", "-D\"file_common\""}));
 }

@@ -133,24 +133,19 @@ TEST(XmlPreprocessor, CountedLoopMakesFiveMacrosPerStep) {
   }, {.macros = {{"n", "3"}}});
 }
 
-TEST(XmlPreprocessor, CartesianLoopVariesTheLastAttributeFastest) {
+TEST(XmlPreprocessor, CartesianLoopVariesTheLastAttributeFastestAndLoopsAreBounded) {
   expectRuns({
       {"<r><foreach a=\"1,2\" b=\"x,&#10;y,\"><e v=\"$(a)$(b)\"/><f/></foreach></r>",
        "(r (e @v=\"1x\") (f) (e @v=\"1y\") (f) (e @v=\"2x\") (f) (e @v=\"2y\") (f))"},
       {"<r><foreach><e v=\"$(a)\"/></foreach></r>", "(r (e @v=\"$(a)\"))"},
       {"<r><foreach a=\"\"><e/></foreach></r>", "(r)"},
   });
-}
-
-TEST(XmlPreprocessor, LoopBodiesLoseTheirTextWhileConditionsKeepIt) {
+  // Loop bodies lose their text while conditions keep it.
   expectRuns({{"<r><for index=\"i\" start=\"0\" end=\"1\" incr=\"1\">lost<e>kept in a child</e></for>"
                "<foreach a=\"1\">lost<f/></foreach><if m=\"a\">kept</if></r>",
                // the parser makes a text node of every gap between tags, empty ones included
                "(r \"\" (e) \"\" (f) \"\" \"kept\" \"\")"}},
              {.macros = {{"m", "a"}}, .textNodes = true});
-}
-
-TEST(XmlPreprocessor, LoopsAreBounded) {
   const std::string result =
       preprocessed("<r><for index=\"i\" start=\"0\" end=\"0xFFFFFFFF\" incr=\"1\"><e/></for></r>", {});
   EXPECT_NE(result.find("loops made more than 100000 elements; the rest is left out"), std::string::npos);
