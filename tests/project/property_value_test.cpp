@@ -18,7 +18,7 @@ class Catalogue : public MessageCatalogue {
   QMap<QString, QString> texts;
 };
 
-TEST(PropertyClass, DeclarationsAreNormalisedAlike) {
+TEST(PropertyClass, DeclarationsAreNormalisedAlikeAndEntriesSplitOffTheirFamilies) {
   PropertyClass boolean("build_debug", "Debugging", "Build Options", "Debug", "Build for debugging.", true, 5);
   EXPECT_EQ(boolean.type(), PropertyType::Boolean);
   EXPECT_EQ(QStringList({boolean.page(), boolean.group(), boolean.defaultValue(), boolean.enumerates().join(','),
@@ -36,9 +36,7 @@ TEST(PropertyClass, DeclarationsAreNormalisedAlike) {
     PropertyClass declared({.name = "x", .group = c.group, .page = c.page});
     EXPECT_EQ(declared.page() + "|" + declared.group(), QString(c.normalPage) + "|" + c.normalGroup);
   }
-}
-
-TEST(PropertyClass, EntriesWithFamiliesAreSplitWhenTheFirstHasOne) {
+  // Entries with families are split only when the first one has a family.
   PropertyClass withFamilies({.type = PropertyType::Enumeration, .enumerates = {"UTF-8~~Common", "Latin1~~Western", "Other"}});
   EXPECT_EQ(withFamilies.enumerates() + withFamilies.families(), (QStringList{"UTF-8", "Latin1", "Other", "Common", "Western", ""}));
   PropertyClass without({.type = PropertyType::Enumeration, .enumerates = {"Plain", "A~~B"}});
