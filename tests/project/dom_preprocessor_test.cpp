@@ -70,7 +70,7 @@ TEST_F(DomPreprocessor, ExpandsDefinitionsAndChosenAttributes) {
   EXPECT_FALSE(a.hasAttribute("expand_attributes"));
 }
 
-TEST_F(DomPreprocessor, IncludesFilesAndText) {
+TEST_F(DomPreprocessor, IncludesFilesAndTextAndPagesKnowTheirOutput) {
   folder.write("part.xml", "<envelope><p k=\"$(k)\"/><define_macro name=\"fromPart\" value=\"1\"/></envelope>");
   folder.write("notes.txt", "a < b\n");
   EXPECT_EQ(run("<r><include filename=\"part.xml\" expand_macros=\"\" macros=\"k=inner\"/>"
@@ -86,9 +86,7 @@ TEST_F(DomPreprocessor, IncludesFilesAndText) {
   EXPECT_EQ(run("<r><include filename=\"bad.xml\"/></r>"), "<r><include filename=\"bad.xml\"/></r>");
   EXPECT_EQ(messages.rfind("error: XmlPP: error reading XML - ", 0), 0u) << messages;
   EXPECT_NE(messages.find(" on line 2 column "), std::string::npos) << messages;
-}
-
-TEST_F(DomPreprocessor, PagesKnowTheirOutput) {
+  // A page knows whether it is printed or shown.
   const QString path = QString::fromStdString(
       folder.write("page.xml", "<r><if output=\"print\"><printed/></if><if output=\"html\"><shown/></if></r>"));
   EXPECT_EQ(flat(XmlPP::forPage(path, 1)->document()), "<r><printed/></r>");
