@@ -79,13 +79,16 @@ void EditCommands::deleteSelection() {
   if (!editor_.hasSelection()) return;
   const CodeBufferPosition start = editor_.selectionStart();
   if (blockSelected()) {
+    // One piece a line, undone together as one step.
     const int left = editor_.blockLeftColumn();
+    editor_.beginEdit(0, 0);
     for (int line = start.line; line <= editor_.selectionLast().line; ++line) {
       auto [from, to] = blockColumns(line);
       editor_.deleteRange({line, from}, {line, to});
     }
     editor_.clearSelection();
     editor_.setCaret({start.line, columnForScreen(start.line, left)});
+    editor_.endEdit(0);
     return;
   }
   editor_.deleteRange(start, editor_.selectionLast());
