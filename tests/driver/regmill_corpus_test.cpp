@@ -58,7 +58,7 @@ class RegmillCorpus : public ::testing::Test {
  protected:
   void SetUp() override {
     REGMILL_SKIP_WITHOUT(kCorpus);
-    if (std::system("xmllint --version >/dev/null 2>&1") != 0) GTEST_SKIP() << "xmllint is not installed";
+    REGMILL_SKIP_WITHOUT_PROGRAM("xmllint");
   }
 
   // Converts each SVD file under the folder with the extra options; returns how many

@@ -42,7 +42,7 @@ const Sample kSamples[] = {
 };
 
 TEST(CodeFile, EncodingsMatchIconvAndUnchangedSavesAreByteIdentical) {
-  if (!shellOutput("command -v iconv")) GTEST_SKIP() << "iconv is not installed";
+  REGMILL_SKIP_WITHOUT_PROGRAM("iconv");
   ScratchFolder folder;
   const struct {
     const char* name;

@@ -74,8 +74,9 @@ std::vector<DiffHunk> checkedDiff(const QStringList& left, const QStringList& ri
   std::vector<DiffHunk> fast = TextDiff().diff(left, right);
   EXPECT_EQ(fast, TextDiff(TextDiff::Search::AsWritten).diff(left, right));
   const QString leftText = left.join('\n'), rightText = right.join('\n');
-  if (splitDiffLines(leftText) == left && splitDiffLines(rightText) == right)
+  if (splitDiffLines(leftText) == left && splitDiffLines(rightText) == right) {
     EXPECT_EQ(TextDiff().diffTexts(leftText, rightText), fast);
+  }
   EXPECT_EQ(applied(left, right, fast), right);
   return fast;
 }
@@ -181,12 +182,12 @@ TEST(TextDiff, FastSearchGivesTheHunksOfTheSearchAsWrittenOnRealFiles) {
 // hash the count must equal GNU's, and the real count may only exceed it.
 TEST(TextDiff, EditCountsEqualGnuDiffMinimalOnRealPairs) {
   REGMILL_SKIP_WITHOUT(corpusFolder("svd"));
-  if (!std::filesystem::exists("/usr/bin/diff")) GTEST_SKIP() << "GNU diff is not installed (package diffutils)";
+  REGMILL_SKIP_WITHOUT_PROGRAM("diff");
   ScratchFolder folder;
   for (const auto& [left, right] : realPairs(1 << 30)) {
     const std::string leftFile = folder.write("left", left.join('\n').toLatin1().toStdString() + "\n");
     const std::string rightFile = folder.write("right", right.join('\n').toLatin1().toStdString() + "\n");
-    const auto gnu = testing::runProgram("/usr/bin/diff", {"--minimal", leftFile, rightFile}, folder.path());
+    const auto gnu = testing::runProgram(testing::programPath("diff"), {"--minimal", leftFile, rightFile}, folder.path());
     int64_t gnuCount = 0;  // lines of the script that GNU diff prints with < or >
     for (const QString& line : QString::fromStdString(gnu.out).split('\n'))
       gnuCount += line.startsWith('<') || line.startsWith('>');

@@ -20,10 +20,6 @@ namespace {
 
 using testing::ScratchFolder;
 
-#define REGMILL_NEED_PEER(name)                                \
-  if (std::system("command -v " name " >/dev/null 2>&1") != 0) \
-  GTEST_SKIP() << name << " is not installed (Debian packages srecord, binutils)"
-
 void runPeer(const std::string& name, std::vector<std::string> arguments, const ScratchFolder& folder) {
   arguments.insert(arguments.begin(), name);  // env finds the peer on PATH
   auto run = testing::runProgram("/usr/bin/env", arguments, folder.path());
@@ -69,8 +65,8 @@ std::string readFilled(LoadFileFormat format, const std::string& path) {
 // srec_cat is given each chunk as a binary file of its own, so that it writes the
 // gaps as gaps; objcopy, which takes one binary file, gets the first chunk alone.
 TEST(PeerRoundTrip, EachImageInEachFormatBothWays) {
-  REGMILL_NEED_PEER("srec_cat");
-  REGMILL_NEED_PEER("objcopy");
+  REGMILL_SKIP_WITHOUT_PROGRAM("srec_cat");
+  REGMILL_SKIP_WITHOUT_PROGRAM("objcopy");
   for (const Image& image : kImages) {
     uint32_t low = image.front().first;
     uint64_t high = image.back().first + uint64_t{image.back().second.size()};

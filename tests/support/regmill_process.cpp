@@ -6,6 +6,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cstdlib>
+
+#include "base/text.h"
 #include "tests/support/scratch_folder.h"
 
 #ifndef REGMILL_BINARY
@@ -75,6 +78,15 @@ std::optional<std::string> shellOutput(const std::string& command) {
   char chunk[4096];
   for (size_t got; (got = std::fread(chunk, 1, sizeof chunk, pipe)) > 0;) out.append(chunk, got);
   return ::pclose(pipe) == 0 ? std::optional(out) : std::nullopt;
+}
+
+std::string programPath(const std::string& name) {
+  const char* path = std::getenv("PATH");
+  for (std::string_view folder : splitSkippingEmpty(path == nullptr ? "" : path, ':')) {
+    std::string candidate = std::string(folder) + "/" + name;
+    if (::access(candidate.c_str(), X_OK) == 0) return candidate;
+  }
+  return "";
 }
 
 }  // namespace regmill::testing

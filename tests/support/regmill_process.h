@@ -31,4 +31,10 @@ ProcessResult runLoom(const std::vector<std::string>& arguments, const std::file
 // iconv and sort that a test compares with.
 std::optional<std::string> shellOutput(const std::string& command);
 
+// The peer's path on PATH, or "" when it is not installed.
+std::string programPath(const std::string& name);
+#define REGMILL_SKIP_WITHOUT_PROGRAM(name)                        \
+  if (regmill::testing::programPath(name).empty())                \
+  GTEST_SKIP() << (name) << " is not installed; tools/install-deps.sh lists it"
+
 }  // namespace regmill::testing
