@@ -11,7 +11,9 @@ constexpr Command kCommands[] = {
      "Convert a load file or list its sections (KIND: bin hex srec txt lst; by default the extension)", runHex},
     {"pkg", "list|extract|create|fetch ...",
      "List, extract or create a package archive, or fetch a file over HTTP", runPkg},
-    {"script", "FILE [FILE...]", "Run script files in one context, with print(...) writing lines to stdout",
+    {"script", "[FILE...]",
+     "Run script files in one context, or statements from stdin one per line; print(...) and console.log(...) "
+     "write lines to stdout",
      runScript},
     {"diff", "LEFT RIGHT [--no-color]", "Compare two text files line by line; exit 0 when equal, 1 when not, 2 on error",
      runDiff},

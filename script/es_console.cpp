@@ -1,45 +1,27 @@
 #include "script/es_console.h"
 
+#include "script/es_host_binding.h"
+
 namespace regmill::script {
 
-namespace {
-
-class PrintClass : public ESClass {
- public:
-  explicit PrintClass(std::FILE* output) : ESClass("Object"), output_(output) {}
-  void call(ESContext& context, ESObject*, ESObject*, int32_t argumentCount, ESValue* arguments) override {
-    QString line;
-    for (int32_t i = 0; i < argumentCount; ++i) {
-      if (i > 0) line += QLatin1Char(' ');
-      line += context.toString(arguments[i]);
-    }
-    line += QLatin1Char('\n');
-    QByteArray bytes = line.toUtf8();
-    std::fwrite(bytes.constData(), 1, size_t(bytes.size()), output_);
-    arguments[0] = ESValue();
-  }
-
- private:
-  std::FILE* output_;
-};
-
-}  // namespace
-
 ESConsoleContext::ESConsoleContext(std::FILE* output, std::shared_ptr<ESEngine> engine)
-    : ESContext(std::move(engine)), output_(output) {
-  setUp();
-  printClass_ = std::make_unique<PrintClass>(output_);
-  // Length 0: the call sequence pads nothing, so print() prints an empty line.
-  defineFunction(global(), QStringLiteral("print"), printClass_.get(), 0, 0);
+    : MyESContext2(
+          [output](const QString& text) {
+            QByteArray bytes = text.toUtf8();
+            std::fwrite(bytes.constData(), 1, size_t(bytes.size()), output);
+          },
+          std::move(engine)) {
+  running = true;
 }
 
 void ESConsoleContext::setStepBudget(uint64_t steps) {
   stepBudget_ = steps;
   steps_ = 0;
-  setPolling(steps != 0);
+  updatePolling(steps != 0);
 }
 
 bool ESConsoleContext::runFile(const QString& fileName, const QString& source, std::string& diagnostic) {
+  running = true;
   std::unique_ptr<ESCode> program;
   try {
     program = compileProgram(fileName, source);
@@ -57,27 +39,15 @@ bool ESConsoleContext::runFile(const QString& fileName, const QString& source, s
 }
 
 std::string ESConsoleContext::describeError(ESValue error, bool compiling) {
+  if (!isError(error)) return ("Uncaught exception: " + reportText(*this, error)).toStdString();
   const ESEngine::Names& names = engine().names();
-  // A script can give an error a name or message that fails to convert itself
-  // (an object without a primitive value): its type stands in for it.
-  auto textOf = [&](ESValue value) {
-    try {
-      return toString(value);
-    } catch (const ESException&) {
-      return typeOf(value);
-    }
-  };
-  if (!isError(error)) return ("Uncaught exception: " + textOf(error)).toStdString();
   ESObject* object = error.object;
-  auto read = [&](ESAtom* name) {
-    ESValue value = object->klass->get(*this, object, name);
-    return value.isUndefined() ? QString() : textOf(value);
-  };
-  QString place = read(names.fileName);
-  QString line = read(names.lineNumber);
+  QString place = errorField(*this, object, names.fileName);
+  QString line = errorField(*this, object, names.lineNumber);
   if (!line.isEmpty()) place += QLatin1Char(':') + line;
-  if (compiling) return (place + QStringLiteral(": ") + read(names.message)).toStdString();
-  QString text = QStringLiteral("Uncaught exception: ") + read(names.name) + QStringLiteral(": ") + read(names.message);
+  if (compiling) return (place + QStringLiteral(": ") + errorField(*this, object, names.message)).toStdString();
+  QString text = QStringLiteral("Uncaught exception: ") + errorField(*this, object, names.name) + QStringLiteral(": ") +
+                 errorField(*this, object, names.message);
   if (!place.isEmpty()) text += QLatin1Char('\n') + place;
   return text.toStdString();
 }

@@ -1,5 +1,6 @@
-// `loom script` as a user meets it: files run in order in one context, print
-// writes lines, and each kind of failure has its text and exit code 1.
+// `loom script` as a user meets it: files run in order in one context, print and
+// console.log write lines, each kind of failure has its text and exit code 1, and
+// without a file the statements of stdin run one by one.
 #include <gtest/gtest.h>
 
 #include "tests/support/regmill_process.h"
@@ -49,14 +50,42 @@ TEST(LoomScript, ReportsAnErrorWhoseNameCannotBeConverted) {
   EXPECT_EQ(run.err, "Uncaught exception: object: not a function object\nodd.js:2\n");
 }
 
-TEST(LoomScript, RefusesMissingArgumentsAndFiles) {
+TEST(LoomScript, RefusesMissingFiles) {
   ScratchFolder folder;
-  auto bare = runLoom({"script"}, folder.path());
-  EXPECT_EQ(bare.exitCode, 1);
-  EXPECT_EQ(bare.err, "loom: script needs at least one FILE; see 'loom help script'\n");
   auto missing = runLoom({"script", "absent.js"}, folder.path());
   EXPECT_EQ(missing.exitCode, 1);
   EXPECT_NE(missing.err.find("absent.js"), std::string::npos) << missing.err;
+}
+
+TEST(LoomScript, ConsoleLogIsPrint) {
+  ScratchFolder folder;
+  folder.write("log.js", "console.log('sum', 1 + 2);\nif (console.log != print) print('two functions');\n");
+  auto run = runLoom({"script", "log.js"}, folder.path());
+  EXPECT_EQ(run.exitCode, 0);
+  EXPECT_EQ(run.out, "sum 3\n");
+}
+
+// Without a file the statements come from stdin, one a line, in one context; a
+// piped stdin gets no prompt.
+TEST(LoomScript, ReadsStatementsFromStdinUntilItsEnd) {
+  ScratchFolder folder;
+  auto run = runLoom({"script"}, folder.path(),
+                     "var n = 6\n"
+                     "n * 7\n"
+                     "\n"
+                     "n(\n"
+                     "nothing.here\n"
+                     "print('still', n)\r\n"
+                     "'last line without an end'");
+  EXPECT_EQ(run.exitCode, 0);
+  EXPECT_EQ(run.out,
+            "42\n"
+            "expected an expression, found end of input\n:1\n"
+            "can't convert undefined to an object\n:1\n"
+            "still 6\n"
+            "last line without an end\n");
+  EXPECT_EQ(run.err, "");
+  EXPECT_EQ(runLoom({"script"}, folder.path()).exitCode, 0);  // an empty stdin ends at once
 }
 
 }  // namespace
