@@ -1,0 +1,3 @@
+var init = 5;
+function getregs(id) { return { length: id }; }
+missing();
