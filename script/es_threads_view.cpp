@@ -1,5 +1,7 @@
 #include "script/es_threads_view.h"
 
+#include <algorithm>
+
 namespace regmill::script {
 
 namespace {
@@ -29,6 +31,18 @@ void dumpView(const ThreadsView& view, const QString& indent, QString& out) {
 }
 
 }  // namespace
+
+void ThreadsView::sortRows(int column) {
+  if (column < 0 || column >= columns.size()) return;
+  const bool byNumber = columns[column] == sortByNumberColumn;
+  auto text = [column](const ThreadsRow& row) { return column < row.texts.size() ? row.texts[column] : QString(); };
+  auto before = [&](const ThreadsRow& left, const ThreadsRow& right) {
+    if (byNumber) return text(left).toDouble() < text(right).toDouble();
+    return text(left) < text(right);
+  };
+  std::stable_sort(rows.begin(), rows.end(), before);
+  for (ThreadsQueue& queue : queues) std::stable_sort(queue.rows.begin(), queue.rows.end(), before);
+}
 
 void ThreadsViewModel::setShown(const QString& name, bool shown) {
   if (shown)

@@ -35,6 +35,12 @@ struct ThreadsView {
 
   // The rows of the last queue, or the view's own rows before any queue.
   std::vector<ThreadsRow>& currentRows() { return queues.empty() ? rows : queues.back().rows; }
+
+  // Sorts the rows outside queues and those of each queue by one column, keeping
+  // the order of equal rows; queues keep their places. The sort-by-number column
+  // compares the texts' values, a text that is no number counting as 0; any other
+  // column compares texts.
+  void sortRows(int column);
 };
 
 class ThreadsViewModel {

@@ -159,9 +159,16 @@ TEST_F(ThreadsWindowTest, InitFillsTheViewsThroughTheThreadsObject) {
             "    row late\n"
             "    row seen\n");
   EXPECT_TRUE(reporter.shown.empty());
+  // Sorting by the number column: "x" counts as 0, and 3 comes before 10.
+  model->mainView().queues[0].rows.push_back({{"late", "10"}, {}, {}});
+  model->mainView().sortRows(1);
+  QStringList sorted;
+  for (const ThreadsRow& row : model->mainView().queues[0].rows) sorted.append(row.texts[0]);
+  EXPECT_EQ(sorted.join(' ').toStdString(), "tick main late");
   // A second refresh runs init again from an empty view: clear leaves the titles.
   EXPECT_TRUE(threads.refresh());
   EXPECT_EQ(model->rowCount(), 6u);
+  EXPECT_EQ(model->mainView().queues.size(), 1u);
 }
 
 TEST_F(ThreadsWindowTest, WithoutInitOrWithoutTheFileTheViewGetsTheDefaultColumns) {
