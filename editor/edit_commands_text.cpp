@@ -247,7 +247,8 @@ void EditCommands::convertToHTML() {
 bool EditCommands::expandTemplate(const CodeTemplate& codeTemplate) {
   if (!editor_.canEdit()) return false;
   editor_.beginEdit(0, kTemplateExpansionKind);
-  const auto block = blockLines();
+  auto block = blockLines();
+  if (block && block->first == block->second) block.reset();  // a block on one line calls from the caret
   const int first = block ? block->first : editor_.caret().line, last = block ? block->second : first;
   const int callerScreen = block ? editor_.blockLeftColumn() : editor_.screenColumn(first, editor_.caret().column);
   int from = 0;
