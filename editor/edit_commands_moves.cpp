@@ -100,7 +100,7 @@ void EditCommands::documentStartExtend() { moveTo(82, {0, 0}, Extend::Stream); }
 void EditCommands::documentEnd() { moveTo(84, editor_.buffer().endPosition(), Extend::None); }
 void EditCommands::documentEndExtend() { moveTo(83, editor_.buffer().endPosition(), Extend::Stream); }
 
-// From the end of its line the caret goes to the end of the next one.
+// To the end of the next line, or of the last line from there.
 void EditCommands::lineNextEnd() {
   const int line = std::min(editor_.caret().line + 1, lastLine(editor_));
   moveTo(72, lineEndOf(editor_, line), Extend::None);

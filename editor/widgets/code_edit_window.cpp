@@ -176,6 +176,7 @@ QAction* CodeEditWindow::addCommand(QMenu* menu, const QString& name, const QStr
   action->setShortcut(keys);
   connect(action, &QAction::triggered, this, [this, run = std::move(run)] {
     run();
+    view_->scrollToCaret();
     view_->update();
   });
   return action;

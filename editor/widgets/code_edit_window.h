@@ -31,6 +31,8 @@ class CodeEditView : public QWidget {
   CodeEditView(CodeEdit& editor, EditCommands& commands, QWidget* parent = nullptr);
   // Keys go to the incremental search's text until it ends.
   void startIncrementalSearch();
+  // Scrolls as little as brings the caret's line into view.
+  void scrollToCaret();
 
  protected:
   void paintEvent(QPaintEvent* event) override;
@@ -38,7 +40,6 @@ class CodeEditView : public QWidget {
   void keyPressEvent(QKeyEvent* event) override;
 
  private:
-  void scrollToCaret();
   // True when the key was the search's.
   bool incrementalSearchKey(QKeyEvent* event);
 
