@@ -322,6 +322,7 @@ void EditCommands::duplicateLine() {
 void EditCommands::breakLine() {
   if (!beginCommand(46, kTypingKind)) return;
   deleteSelection();
+  editor_.clearSelection();  // a line end ends typing into a block
   const CodeBufferPosition caret = editor_.buffer().clamp(editor_.caret());
   editor_.insertText(caret, QStringLiteral("\n"));
   editor_.setCaret(caret);

@@ -501,6 +501,7 @@ void EditCommands::deleteTrailingWhitespace() {
 void EditCommands::enter() {
   if (!beginCommand(45, kTypingKind)) return;
   deleteSelection();
+  editor_.clearSelection();  // a line end ends typing into a block
   CodeBufferPosition caret = editor_.caret();
   const QString text = editor_.line(caret.line);
   const int indentation = isBlank(text) ? caret.column : leadingWhitespaceLength(text);
