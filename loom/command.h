@@ -27,6 +27,7 @@ int runHelp(Arguments arguments);
 int runHex(Arguments arguments);
 int runPkg(Arguments arguments);
 int runScript(Arguments arguments);
+int runForth(Arguments arguments);
 int runDiff(Arguments arguments);
 int runEdit(Arguments arguments);
 int runProject(Arguments arguments);
