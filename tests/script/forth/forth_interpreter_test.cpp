@@ -83,25 +83,26 @@ class RecordingListener : public ForthListener {
   std::vector<QString> texts;
 };
 
+// The message of what `action` throws.
+template <typename Action>
+QString thrownText(Action action) {
+  try {
+    action();
+  } catch (const ForthException& failure) {
+    return throwText(failure.code, failure.text);
+  }
+  return QStringLiteral("(nothing thrown)");
+}
+
 TEST(ForthInterpreter, TheStacksHold512CellsAndRaiseTheirCodesBeyond) {
   ForthInterpreter interpreter;
   for (int index = 0; index < CellStack::kCells; ++index) interpreter.pushInteger(index);
-  try {
-    interpreter.pushInteger(512);
-    FAIL() << "the 513th push was taken";
-  } catch (const ForthException& failure) {
-    EXPECT_EQ(failure.code, -4);
-  }
+  EXPECT_EQ(thrownText([&] { interpreter.pushInteger(512); }), QStringLiteral("stack overflow"));
   EXPECT_EQ(interpreter.data.fromTop(0).integer, 511);
   for (int index = 0; index < CellStack::kCells; ++index) interpreter.second.push(Cell::ofInteger(index));
-  EXPECT_THROW(interpreter.second.push(Cell{}), ForthException);
+  EXPECT_EQ(thrownText([&] { interpreter.second.push(Cell{}); }), QStringLiteral("return stack overflow"));
   interpreter.second.clear();
-  try {
-    interpreter.second.pop();
-    FAIL() << "an empty second stack gave a cell";
-  } catch (const ForthException& failure) {
-    EXPECT_EQ(failure.code, -6);
-  }
+  EXPECT_EQ(thrownText([&] { interpreter.second.pop(); }), QStringLiteral("return stack underflow"));
 }
 
 TEST(ForthInterpreter, SearchOrderHoldsTwentyListsAndTheLastOneWins) {
@@ -118,40 +119,27 @@ TEST(ForthInterpreter, SearchOrderHoldsTwentyListsAndTheLastOneWins) {
   interpreter.current = lower;  // the compilation list comes before the order
   EXPECT_EQ(interpreter.findWord(QStringLiteral("W")), &first);
   for (int count = 2; count < ForthInterpreter::kSearchOrderSize; ++count) interpreter.pushSearchOrder(lower);
-  try {
-    interpreter.pushSearchOrder(lower);
-    FAIL() << "a 21st list was taken";
-  } catch (const ForthException& failure) {
-    EXPECT_EQ(failure.code, -49);
-  }
+  EXPECT_EQ(thrownText([&] { interpreter.pushSearchOrder(lower); }), QStringLiteral("search order overflow"));
   for (int count = 0; count < ForthInterpreter::kSearchOrderSize; ++count) interpreter.popSearchOrder();
-  try {
-    interpreter.popSearchOrder();
-    FAIL() << "an empty order was popped";
-  } catch (const ForthException& failure) {
-    EXPECT_EQ(failure.code, -50);
-  }
+  EXPECT_EQ(thrownText([&] { interpreter.popSearchOrder(); }), QStringLiteral("search order underflow"));
 }
 
 TEST(ForthInterpreter, CodesWithoutAnOperationOfTheirOwnThrowTheirCodes) {
   ForthInterpreter interpreter;
   pcode word(QStringLiteral("PLAIN"));
-  const auto messageOf = [](auto&& action) {
-    try {
-      action();
-    } catch (const ForthException& failure) {
-      return throwText(failure.code, failure.text);
-    }
-    return QStringLiteral("(nothing thrown)");
-  };
-  EXPECT_EQ(messageOf([&] { word.execute(interpreter); }),
+  EXPECT_EQ(thrownText([&] { word.execute(interpreter); }),
             QStringLiteral("host execution of this word not supported: PLAIN"));
-  EXPECT_EQ(messageOf([&] { word.getPfa(); }), QStringLiteral("PLAINdoes not have a PFA"));
-  EXPECT_EQ(messageOf([&] { word.getCfa(); }), QStringLiteral("no CFA"));
-  EXPECT_EQ(messageOf([&] { word.store(interpreter); }), QStringLiteral("no store method defined: PLAIN"));
-  // Appending needs an open definition.
-  EXPECT_EQ(messageOf([&] { interpreter.append(interpreter.make<PLiteralChild>(Cell{})); }),
+  EXPECT_EQ(thrownText([&] { word.getPfa(); }), QStringLiteral("PLAINdoes not have a PFA"));
+  EXPECT_EQ(thrownText([&] { word.getCfa(); }), QStringLiteral("no CFA"));
+  EXPECT_EQ(thrownText([&] { word.store(interpreter); }), QStringLiteral("no store method defined: PLAIN"));
+  // Appending needs an open definition, and an open one must not be sealed.
+  EXPECT_EQ(thrownText([&] { interpreter.append(interpreter.make<PLiteralChild>(Cell{})); }),
             QStringLiteral("no current definition"));
+  PDefinition definition(QStringLiteral("DONE"));
+  definition.sealed = true;
+  interpreter.definition = &definition;
+  EXPECT_EQ(thrownText([&] { interpreter.append(interpreter.make<PLiteralChild>(Cell{})); }),
+            QStringLiteral("sealed definition: DONE"));
 }
 
 // The console prints a blank, the line's output, the failure, and " OK" whenever
