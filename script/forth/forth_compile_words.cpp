@@ -262,7 +262,7 @@ void PCompiler::conditional(ForthInterpreter& in) {
     case Op::If: {
       auto* branch = in.make<PBranch>(true);
       in.append(branch);
-      controls.push_back({Kind::Orig, branch});
+      words_.pushControl(Kind::Orig, branch);
       return;
     }
     case Op::Else: {
@@ -270,7 +270,7 @@ void PCompiler::conditional(ForthInterpreter& in) {
       auto* skip = in.make<PBranch>(false);
       in.append(skip);
       static_cast<PBranch*>(taken.code)->target = appendLabel(in);
-      controls.push_back({Kind::Orig, skip});
+      words_.pushControl(Kind::Orig, skip);
       return;
     }
     case Op::Then: {
@@ -278,7 +278,7 @@ void PCompiler::conditional(ForthInterpreter& in) {
       static_cast<PBranch*>(taken.code)->target = appendLabel(in);
       return;
     }
-    case Op::Begin: controls.push_back({Kind::Dest, appendLabel(in)}); return;
+    case Op::Begin: words_.pushControl(Kind::Dest, appendLabel(in)); return;
     case Op::Until:
     case Op::Again: {
       Control begin = popControl(Kind::Dest);
@@ -289,7 +289,7 @@ void PCompiler::conditional(ForthInterpreter& in) {
       if (controls.empty() || controls.back().kind != Kind::Dest) throw ForthException{-22, name};
       auto* exit = in.make<PBranch>(true);
       in.append(exit);
-      controls.push_back({Kind::While, exit});
+      words_.pushControl(Kind::While, exit);
       return;
     }
     case Op::Repeat: {
@@ -311,15 +311,13 @@ void PCompiler::loop(ForthInterpreter& in) {
     case Op::QuestionDo: {
       auto* start = in.make<PDo>(op_ == Op::QuestionDo);
       in.append(start);
-      controls.push_back({Kind::Do, appendLabel(in)});
+      words_.pushControl(Kind::Do, appendLabel(in));
       if (op_ == Op::QuestionDo) controls.back().leaves.push_back(&start->pastLoop);
       return;
     }
     case Op::Loop:
     case Op::PlusLoop: {
-      bool open = false;
-      for (const Control& control : controls) open = open || control.kind == Kind::Do;
-      if (!open) throw ForthException{-264};
+      if (controls.empty() || controls.back().innermostDo < 0) throw ForthException{-264};
       Control loop = popControl(Kind::Do);
       in.append(in.make<PLoop>(op_ == Op::PlusLoop, loop.code));
       pcode* past = appendLabel(in);
@@ -327,14 +325,11 @@ void PCompiler::loop(ForthInterpreter& in) {
       return;
     }
     case Op::Leave: {
-      for (auto control = controls.rbegin(); control != controls.rend(); ++control) {
-        if (control->kind != Kind::Do) continue;
-        auto* leave = in.make<PLeave>();
-        in.append(leave);
-        control->leaves.push_back(&leave->pastLoop);
-        return;
-      }
-      throw ForthException{-257};
+      if (controls.empty() || controls.back().innermostDo < 0) throw ForthException{-257};
+      auto* leave = in.make<PLeave>();
+      in.append(leave);
+      controls[static_cast<size_t>(controls.back().innermostDo)].leaves.push_back(&leave->pastLoop);
+      return;
     }
     default: return;
   }
@@ -400,6 +395,14 @@ void PCompiler::data(ForthInterpreter& in) {
 }
 
 }  // namespace
+
+// Each structure knows the DO it stands in, so that LEAVE and LOOP find it at once
+// however deep the structures nest.
+void CoreWords::pushControl(Control::Kind kind, pcode* code) {
+  int innermostDo = controls.empty() ? -1 : controls.back().innermostDo;
+  if (kind == Control::Kind::Do) innermostDo = static_cast<int>(controls.size());
+  controls.push_back({kind, code, {}, innermostDo});
+}
 
 void CoreWords::installCompilerWords(WordList& list) {
   for (const CompilerEntry& entry : kCompilerWords) {

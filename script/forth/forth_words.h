@@ -36,10 +36,12 @@ class CoreWords {
   struct Control {
     enum class Kind { Orig, Dest, While, Do };
     Kind kind;
-    pcode* code;                  // the branch to resolve, or the label to go back to
+    pcode* code;                    // the branch to resolve, or the label to go back to
     std::vector<pcode**> leaves{};  // of a DO: where its LEAVEs (and ?DO) keep the code past its LOOP
+    int innermostDo = -1;           // the index of the DO this structure is in or is, -1 for none
   };
   std::vector<Control> controls;
+  void pushControl(Control::Kind kind, pcode* code);
   pcode* lastDefined = nullptr;  // for IMMEDIATE
 
   ForthInterpreter& interpreter;
