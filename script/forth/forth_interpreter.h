@@ -107,6 +107,8 @@ class ForthInterpreter {
   void setStepBudget(uint64_t steps) { stepBudget_ = steps; }
   void setOutputLimit(uint64_t bytes) { outputLimit_ = bytes; }
 
+  // The state that the words read and change. `state` and `definition` last from
+  // one source to the next, so that a definition may span lines.
   PDefinition* definition = nullptr;
   pcode* ip = nullptr;
   int state = 0;
@@ -119,7 +121,7 @@ class ForthInterpreter {
   CellStack second{-5, -6};
   ForthListener* listener = nullptr;
   std::function<void(std::string_view)> output;
-  int callDepth = 0;
+  int callDepth = 0;  // nested definitions now running
 
  private:
   void interpretWord(const QString& word);
