@@ -8,7 +8,7 @@ void pcode::execute(ForthInterpreter&) { throw ForthException{-265, name}; }
 
 int64_t pcode::getPfa() {
   if (flags & kHasPfa) return pfa;
-  // The text follows the name without a separator, as users of this code know it.
+  // The text is joined to the name as it stands, without a blank.
   throw ForthException{-1, name + QStringLiteral("does not have a PFA")};
 }
 

@@ -1,6 +1,8 @@
 #include "script/forth/forth_words.h"
 
 #include <QByteArray>
+#include <algorithm>
+#include <cmath>
 #include <string>
 
 namespace regmill::forth {
@@ -312,7 +314,8 @@ void PPrimitive::floating(ForthInterpreter& in) {
     case Op::FToS: {
       const double value = in.popFloating();
       // Beyond the integer range the conversion has no value to give.
-      if (!(value > -9.3e18 && value < 9.3e18)) throw ForthException{-24};
+      const double bound = std::ldexp(1.0, 63);
+      if (!(value >= -bound && value < bound)) throw ForthException{-24};
       return in.pushInteger(static_cast<int64_t>(value));
     }
     default: break;

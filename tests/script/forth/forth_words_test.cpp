@@ -115,6 +115,8 @@ TEST(ForthWords, FailuresCarryTheirCodesMessage) {
       {"HERE @", "invalid address"},
       {"VARIABLE V V 4 + @", "misaligned address"},
       {"-16 ALLOT", "invalid argument"},
+      {"9.3E18 F>S", "invalid argument"},
+      {"9.2233720368547758E18 F>S", "invalid argument"},  // 2 to the 63rd is one past the largest cell
       {": R RECURSE ; R", "return stack overflow"},
       {": B 1 >R ; B", "return stack imbalance: B"},
       {": L 3 0 DO EXIT LOOP ; L", "return stack imbalance: L"},
