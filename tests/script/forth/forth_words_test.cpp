@@ -72,6 +72,8 @@ TEST(ForthWords, ControlStructuresNest) {
       {": UP 10 0 DO I . 4 +LOOP ; UP", "0 4 8 "},
       {": NONE 5 5 ?DO I . LOOP .\" done\" ; NONE", "done"},
       {": FIRST 100 0 DO I 3 = IF I . LEAVE THEN LOOP .\" out\" ; FIRST", "3 out"},
+      {": DEEP 10 0 DO 1 IF 1 IF I 3 = IF LEAVE THEN THEN THEN I . LOOP .\" end\" ; DEEP", "0 1 2 end"},
+      {": TWO 2 0 DO 5 0 DO I 1 = IF LEAVE THEN I . LOOP I . LOOP ; TWO", "0 0 0 1 "},  // the inner loop only
       {": COUNT 0 BEGIN DUP 3 < WHILE DUP . 1+ REPEAT DROP ; COUNT", "0 1 2 "},
       {": HALVE BEGIN DUP . 2/ DUP 0= UNTIL DROP ; 20 HALVE", "20 10 5 2 1 "},
       {": FOREVER BEGIN DUP 5 = IF EXIT THEN 1+ AGAIN ; 0 FOREVER .", "5 "},
