@@ -201,18 +201,13 @@ void PPrimitive::stack(ForthInterpreter& in) {
     case Op::Drop: data.pop(); return;
     case Op::Swap: return std::swap(data.fromTop(0), data.fromTop(1));
     case Op::Over: return data.push(data.fromTop(1));
-    case Op::Rot: {  // a b c -- b c a
-      Cell top = data.fromTop(2);
-      data.fromTop(2) = std::move(data.fromTop(1));
-      data.fromTop(1) = std::move(data.fromTop(0));
-      data.fromTop(0) = std::move(top);
-      return;
-    }
+    case Op::Rot:  // a b c -- b c a
     case Op::MinusRot: {  // a b c -- c a b
-      Cell top = data.fromTop(0);
-      data.fromTop(0) = std::move(data.fromTop(1));
-      data.fromTop(1) = std::move(data.fromTop(2));
-      data.fromTop(2) = std::move(top);
+      Cell* const third = &data.fromTop(2);
+      if (op_ == Op::Rot)
+        std::rotate(third, third + 1, third + 3);
+      else
+        std::rotate(third, third + 2, third + 3);
       return;
     }
     case Op::Nip: {
