@@ -33,6 +33,7 @@ int runHelp(Arguments arguments);
 int runHex(Arguments arguments);
 int runPkg(Arguments arguments);   // in its module (module_loader.h)
 int runScript(Arguments arguments);
+int runForth(Arguments arguments);
 int runDiff(Arguments arguments);
 int runEdit(Arguments arguments);  // in its module
 int runProject(Arguments arguments);

@@ -21,6 +21,9 @@ constexpr Command kCommands[] = {
      [](Arguments arguments) { return runInModule("edit", arguments); }},
     {"project", "show|get|set|expand|preprocess ARGUMENTS...",
      "Show, read, change or expand the settings of a solution, or preprocess an XML file", runProject},
+    {"forth", "[FILE]",
+     "Run a file of words, or read words line by line from stdin as at a console, answering \" OK\"",
+     runForth},
 };
 
 std::span<const Command> commands() { return kCommands; }
