@@ -1,6 +1,7 @@
 #include "script/es_native_global.h"
 
 #include <QFile>
+#include <cfloat>
 #include <cmath>
 #include <optional>
 
@@ -52,11 +53,14 @@ double parseInteger(ESContext& context, ESValue textValue, ESValue radixValue) {
   return ok ? value : std::nan("");
 }
 
-// Single precision, as the text conversion to float reads it.
+// Single precision: the text is read as a double and refused beyond the float
+// range, so "inf" is refused too, while a value too small for a float becomes 0.
+// (The toolkit's own float conversion reads "inf" and refuses underflow.)
 double parseFloat(ESContext& context, ESValue textValue) {
   bool ok = false;
-  float value = firstWord(context.toString(textValue)).toFloat(&ok);
-  return ok ? double(value) : std::nan("");
+  double value = firstWord(context.toString(textValue)).toDouble(&ok);
+  if (!ok || value > FLT_MAX || value < -FLT_MAX) return std::nan("");
+  return double(float(value));
 }
 
 ESValue eval(ESContext& context, ESValue program) {

@@ -1,6 +1,8 @@
 #include "script/es_native_number.h"
 
 #include <cmath>
+#include <cstdio>
+#include <string>
 #include <limits>
 
 #include "script/es_native.h"
@@ -66,7 +68,12 @@ QString toFixed(ESContext& context, ESValue receiverValue, ESValue digitsValue) 
   if (digits < 0 || digits > 20) context.raiseRangeError(QStringLiteral("fraction digits should 0 through 20"));
   // A NaN count passes the range test; it is taken as 0 digits.
   int precision = std::isnan(digits) ? 0 : int(digits);
-  return QString::asprintf("%40.*f", precision, context.toNumber(receiverValue)).trimmed();
+  // The C library's formatting, not the toolkit's: the two round ties differently.
+  double value = context.toNumber(receiverValue);
+  int size = std::snprintf(nullptr, 0, "%40.*f", precision, value);
+  std::string text(size_t(size) + 1, '\0');
+  std::snprintf(text.data(), text.size(), "%40.*f", precision, value);
+  return QString::fromLatin1(text.c_str()).trimmed();
 }
 
 }  // namespace
