@@ -57,6 +57,11 @@ ESAtom* ESEngine::indexAtom(uint64_t index) {
   return intern(QString::number(index));
 }
 
+ESAtom* ESEngine::findIndexAtom(uint64_t index) const {
+  if (index < 1024) return smallIntegers_[index];
+  return byText_.value(QString::number(index), nullptr);
+}
+
 ESAtom* ESEngine::freshName() { return intern(QStringLiteral("CG") + QString::number(freshCounter_++)); }
 
 }  // namespace regmill::script

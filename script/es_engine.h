@@ -26,6 +26,9 @@ class ESEngine {
 
   // Below 1024 from the prebuilt table; any other index is formatted and interned.
   ESAtom* indexAtom(uint64_t index);
+  // The atom of an index if it was ever made, else null: no object can have a
+  // property of that name then. Readers of many indexes use it to intern nothing.
+  ESAtom* findIndexAtom(uint64_t index) const;
 
   // A name no script can write: "CG" and a number that grows with every call.
   ESAtom* freshName();

@@ -1,7 +1,6 @@
 #include "script/es_native_array.h"
 
 #include <algorithm>
-#include <vector>
 
 #include "script/es_native.h"
 
@@ -23,23 +22,46 @@ enum ArrayId : int32_t {
   Sort = 11,
 };
 
+// Walks over every index up to the length are bounded, since no step budget can
+// stop a native loop: a longer array is a RangeError. Sort, which does more than
+// linear work, has a lower bound.
+constexpr uint32_t kMaxWalkLength = uint32_t(1) << 24;
+constexpr uint32_t kMaxSortLength = uint32_t(1) << 20;
+
 // Element access through the object's class, so that overrides are honoured.
+// Reads intern nothing: an index whose atom was never made is undefined.
 class Elements {
  public:
   Elements(ESContext& context, ESObject* object) : context_(context), object_(object) {}
 
   uint32_t length() { return context_.toUint32(get(context_.engine().names().length)); }
+  // The length, refused beyond `bound` for a method that visits every index.
+  uint32_t walkLength(const char* method, uint32_t bound = kMaxWalkLength) {
+    uint32_t n = length();
+    if (n > bound) context_.raiseRangeError(QStringLiteral("array too long for Array.prototype.%1").arg(QLatin1String(method)));
+    return n;
+  }
   void setLength(double length) { put(context_.engine().names().length, ESValue::fromNumber(length)); }
   ESAtom* key(uint64_t index) { return context_.engine().indexAtom(index); }
-  ESValue at(uint64_t index) { return get(key(index)); }
-  bool exists(uint64_t index) { return object_->findOwn(key(index)) >= 0; }
+  ESAtom* existingKey(uint64_t index) { return context_.engine().findIndexAtom(index); }
+  ESValue at(uint64_t index) {
+    ESAtom* name = existingKey(index);
+    return name ? get(name) : ESValue();
+  }
+  bool exists(uint64_t index) {
+    ESAtom* name = existingKey(index);
+    return name && object_->findOwn(name) >= 0;
+  }
   void set(uint64_t index, ESValue value) { put(key(index), value); }
+  void remove(uint64_t index) {
+    if (ESAtom* name = existingKey(index)) deleteProperty(object_, name);
+  }
   // An undefined value is not stored: its slot is deleted instead.
-  void setOrDelete(ESAtom* key, ESValue value) {
+  void setOrDelete(uint64_t index, ESValue value) {
     if (value.isUndefined())
-      deleteProperty(object_, key);
+      remove(index);
     else
-      put(key, value);
+      set(index, value);
   }
   ESValue get(ESAtom* name) { return object_->klass->get(context_, object_, name); }
   void put(ESAtom* name, ESValue value) { object_->klass->put(context_, object_, name, value); }
@@ -48,6 +70,10 @@ class Elements {
   ESContext& context_;
   ESObject* object_;
 };
+
+void checkTextLength(ESContext& context, const QString& text) {
+  if (text.size() > ESContext::kMaxStringLength) context.raiseRangeError(QStringLiteral("string too long"));
+}
 
 bool isArray(ESContext& context, const ESObject* object) { return object->klass == context.arrayClass(); }
 
@@ -69,7 +95,8 @@ ESObject* arrayFrom(ESContext& context, int32_t argumentCount, ESValue* argument
 QString arrayText(ESContext& context, ESObject* array) {
   Elements elements(context, array);
   QString text;
-  for (uint32_t i = 0, n = elements.length(); i < n; ++i) {
+  for (uint32_t i = 0, n = elements.walkLength("toString"); i < n; ++i) {
+    checkTextLength(context, text);
     if (i > 0) text += QLatin1Char(',');
     ESValue element = elements.at(i);
     if (!element.isNull()) text += context.toString(element);
@@ -82,9 +109,10 @@ QString joinText(ESContext& context, ESObject* array, ESValue separatorValue) {
   QString separator = separatorValue.isUndefined() ? QStringLiteral(",") : context.toString(separatorValue);
   Elements elements(context, array);
   QString text;
-  for (uint32_t i = 0, n = elements.length(); i < n; ++i) {
+  for (uint32_t i = 0, n = elements.walkLength("join"); i < n; ++i) {
     ESValue element = elements.at(i);
     if (element.isUndefined() || element.isNull()) continue;
+    checkTextLength(context, text);
     if (i > 0) text += separator;
     text += context.toString(element);
   }
@@ -99,7 +127,7 @@ ESObject* concat(ESContext& context, ESObject* receiver, int32_t argumentCount, 
     if (item.isObject() && isArray(context, item.object)) {
       // An array is spliced in without its undefined elements.
       Elements in(context, item.object);
-      for (uint32_t i = 0, n = in.length(); i < n; ++i) {
+      for (uint32_t i = 0, n = in.walkLength("concat"); i < n; ++i) {
         ESValue element = in.at(i);
         if (!element.isUndefined()) out.set(next++, element);
       }
@@ -119,38 +147,35 @@ ESValue pop(ESContext& context, ESObject* array) {
     elements.setLength(0);
     return ESValue();
   }
-  ESAtom* last = elements.key(length - 1);
-  ESValue value = elements.get(last);
-  deleteProperty(array, last);
+  ESValue value = elements.at(length - 1);
+  elements.remove(length - 1);
   elements.setLength(length - 1);
   return value;
 }
 
 ESValue shift(ESContext& context, ESObject* array) {
   Elements elements(context, array);
-  uint32_t length = elements.length();
+  uint32_t length = elements.walkLength("shift");
   if (length == 0) {
     elements.setLength(0);
     return ESValue();
   }
   ESValue first = elements.at(0);
-  for (uint32_t i = 1; i < length; ++i) elements.setOrDelete(elements.key(i - 1), elements.at(i));
-  deleteProperty(array, elements.key(length - 1));
+  for (uint32_t i = 1; i < length; ++i) elements.setOrDelete(i - 1, elements.at(i));
+  elements.remove(length - 1);
   elements.setLength(length - 1);
   return first;
 }
 
 void reverse(ESContext& context, ESObject* array) {
   Elements elements(context, array);
-  uint32_t length = elements.length();
+  uint32_t length = elements.walkLength("reverse");
   for (uint32_t lower = 0, upper = length; lower + 1 < upper; ++lower) {
     --upper;
-    ESAtom* lowerKey = elements.key(lower);
-    ESAtom* upperKey = elements.key(upper);
-    ESValue lowerValue = elements.get(lowerKey);
-    ESValue upperValue = elements.get(upperKey);
-    elements.setOrDelete(lowerKey, upperValue);
-    elements.setOrDelete(upperKey, lowerValue);
+    ESValue lowerValue = elements.at(lower);
+    ESValue upperValue = elements.at(upper);
+    elements.setOrDelete(lower, upperValue);
+    elements.setOrDelete(upper, lowerValue);
   }
 }
 
@@ -167,6 +192,8 @@ ESObject* slice(ESContext& context, ESObject* array, ESValue startValue, ESValue
   uint32_t length = in.length();
   uint32_t start = sliceBound(context, startValue, length);
   uint32_t end = endValue.isUndefined() ? length : sliceBound(context, endValue, length);
+  if (end > start && end - start > kMaxWalkLength)
+    context.raiseRangeError(QStringLiteral("array too long for Array.prototype.slice"));
   ESObject* result = context.newArray();
   Elements out(context, result);
   for (uint32_t i = start; i < end; ++i)
@@ -203,21 +230,19 @@ void sort(ESContext& context, ESObject* array, ESValue comparator) {
   if (!comparator.isUndefined() && !(comparator.isObject() && comparator.object->call != nullptr))
     context.raiseError(QStringLiteral("Array.prototype.sort argument is not a function"));
   Elements elements(context, array);
-  const uint32_t length = elements.length();
+  const uint32_t length = elements.walkLength("sort", kMaxSortLength);
   if (length < 2) return;
-  std::vector<ESAtom*> keys(length);
-  for (uint32_t i = 0; i < length; ++i) keys[i] = elements.key(i);
   SortOrder order(context, array, comparator);
   for (uint32_t gap = (length + 3) / 5;; gap = (gap + 1) / 3) {
     for (uint32_t i = length - 1; i >= gap; --i) {
-      ESValue key = elements.get(keys[i - gap]);
+      ESValue key = elements.at(i - gap);
       uint32_t j = i;
       for (; j < length; j += gap) {
-        ESValue element = elements.get(keys[j]);
+        ESValue element = elements.at(j);
         if (!order.greater(key, element)) break;
-        elements.put(keys[j - gap], element);
+        elements.set(j - gap, element);
       }
-      elements.setOrDelete(keys[j - gap], key);
+      elements.setOrDelete(j - gap, key);
     }
     if (gap == 1) break;
   }

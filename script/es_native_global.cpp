@@ -75,7 +75,9 @@ ESValue eval(ESContext& context, ESValue program) {
 // each search directory in turn.
 std::optional<std::pair<QString, std::string>> findScript(const QString& name, const QStringList& directories) {
   auto tryRead = [](const QString& path) -> std::optional<std::pair<QString, std::string>> {
-    Expected<std::string> bytes = readInputFile(QFile::encodeName(path).toStdString());
+    // No script is longer than the longest string; an endless device stops there.
+    Expected<std::string> bytes =
+        readInputFile(QFile::encodeName(path).toStdString(), size_t(ESContext::kMaxStringLength));
     if (!bytes) return std::nullopt;
     return std::make_pair(path, std::move(*bytes));
   };

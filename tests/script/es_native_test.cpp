@@ -74,6 +74,11 @@ TEST(ESNative, KeepsTheArrayLength) {
       {"[1, 2, 3].slice(-9, 9).join()", "string 1,2,3"},
       {"[1, 2, 3].slice(2, 1).length", "number 0"},
       {"var a = [1, 2, 3]; delete a[2]; a.slice(0).length", "number 2"},  // only existing elements
+      // Native walks cannot be stopped by a step budget, so they are bounded.
+      {"Array(4294967295).join()", "RangeError: array too long for Array.prototype.join @ 1"},
+      {"var a = []; a[2000000] = 1; a.sort()", "RangeError: array too long for Array.prototype.sort @ 1"},
+      {"var a = []; a[100000] = 'x'; a.reverse(); (a.join() == 'x') + ' ' + a[0] + ' ' + a.length",
+       "string true x 100001"},
   });
 }
 
