@@ -1,6 +1,7 @@
 #include "script/es_native_array.h"
 
 #include <algorithm>
+#include <vector>
 
 #include "script/es_native.h"
 
@@ -224,6 +225,28 @@ class SortOrder {
   ESValue comparator_;
 };
 
+// The index atoms of the elements being sorted, found once: a sort reads each
+// index many times. A hole is looked up again, since a comparison function may
+// have made its atom since.
+class SortKeys {
+ public:
+  SortKeys(ESEngine& engine, uint32_t length) : engine_(engine), keys_(length) {
+    for (uint32_t i = 0; i < length; ++i) keys_[i] = engine.findIndexAtom(i);
+  }
+  ESAtom* existing(uint32_t index) {
+    if (keys_[index] == nullptr) keys_[index] = engine_.findIndexAtom(index);
+    return keys_[index];
+  }
+  ESAtom* made(uint32_t index) {
+    if (keys_[index] == nullptr) keys_[index] = engine_.indexAtom(index);
+    return keys_[index];
+  }
+
+ private:
+  ESEngine& engine_;
+  std::vector<ESAtom*> keys_;
+};
+
 // A Shell sort: gaps (length + 3) / 5, then (gap + 1) / 3 down to a last pass of 1.
 // For each gap the key at i - gap moves up past every element it is greater than.
 void sort(ESContext& context, ESObject* array, ESValue comparator) {
@@ -232,17 +255,26 @@ void sort(ESContext& context, ESObject* array, ESValue comparator) {
   Elements elements(context, array);
   const uint32_t length = elements.walkLength("sort", kMaxSortLength);
   if (length < 2) return;
+  SortKeys keys(context.engine(), length);
+  auto at = [&](uint32_t index) {
+    ESAtom* key = keys.existing(index);
+    return key ? elements.get(key) : ESValue();
+  };
   SortOrder order(context, array, comparator);
   for (uint32_t gap = (length + 3) / 5;; gap = (gap + 1) / 3) {
     for (uint32_t i = length - 1; i >= gap; --i) {
-      ESValue key = elements.at(i - gap);
+      ESValue key = at(i - gap);
       uint32_t j = i;
       for (; j < length; j += gap) {
-        ESValue element = elements.at(j);
+        ESValue element = at(j);
         if (!order.greater(key, element)) break;
-        elements.set(j - gap, element);
+        elements.put(keys.made(j - gap), element);
       }
-      elements.setOrDelete(j - gap, key);
+      // An undefined key is not stored: its slot is deleted.
+      if (!key.isUndefined())
+        elements.put(keys.made(j - gap), key);
+      else if (ESAtom* hole = keys.existing(j - gap))
+        deleteProperty(array, hole);
     }
     if (gap == 1) break;
   }
