@@ -141,31 +141,21 @@ ESObject* concat(ESContext& context, ESObject* receiver, int32_t argumentCount, 
   return result;
 }
 
-ESValue pop(ESContext& context, ESObject* array) {
+// pop takes the last element, shift the first and moves the others down. On an
+// empty array both set the length to 0 and give undefined.
+ESValue removeElement(ESContext& context, ESObject* array, bool first) {
   Elements elements(context, array);
-  uint32_t length = elements.length();
+  uint32_t length = first ? elements.walkLength("shift") : elements.length();
   if (length == 0) {
     elements.setLength(0);
     return ESValue();
   }
-  ESValue value = elements.at(length - 1);
+  ESValue removed = elements.at(first ? 0 : length - 1);
+  if (first)
+    for (uint32_t i = 1; i < length; ++i) elements.setOrDelete(i - 1, elements.at(i));
   elements.remove(length - 1);
   elements.setLength(length - 1);
-  return value;
-}
-
-ESValue shift(ESContext& context, ESObject* array) {
-  Elements elements(context, array);
-  uint32_t length = elements.walkLength("shift");
-  if (length == 0) {
-    elements.setLength(0);
-    return ESValue();
-  }
-  ESValue first = elements.at(0);
-  for (uint32_t i = 1; i < length; ++i) elements.setOrDelete(i - 1, elements.at(i));
-  elements.remove(length - 1);
-  elements.setLength(length - 1);
-  return first;
+  return removed;
 }
 
 void reverse(ESContext& context, ESObject* array) {
@@ -331,7 +321,7 @@ void ESNativeArray::call(ESContext& context, ESObject* function, ESObject* thisO
       result = stringValue(context, joinText(context, thisObject, arguments[0]));
       return;
     case Pop:
-      result = pop(context, thisObject);
+      result = removeElement(context, thisObject, false);
       return;
     case Push: {
       Elements elements(context, thisObject);
@@ -345,7 +335,7 @@ void ESNativeArray::call(ESContext& context, ESObject* function, ESObject* thisO
       result = ESValue::fromObject(thisObject);
       return;
     case Shift:
-      result = shift(context, thisObject);
+      result = removeElement(context, thisObject, true);
       return;
     case Slice:
       result = ESValue::fromObject(slice(context, thisObject, arguments[0], arguments[1]));

@@ -12,14 +12,7 @@ namespace {
 
 using testing::ScriptRunner;
 
-using Cases = std::vector<std::pair<std::string, std::string>>;
-
-void expectAll(const Cases& cases) {
-  for (const auto& [source, expected] : cases) {
-    ScriptRunner runner;
-    EXPECT_EQ(runner.run(source), expected) << source;
-  }
-}
+using testing::expectAll;
 
 TEST(ESMachine, KeepsTheLanguagesOwnRulesWhereLaterVersionsDiffer) {
   expectAll({
