@@ -27,6 +27,23 @@ ESObject* defineNativeConstructor(ESContext& context, ESClass* klass, const char
 [[noreturn]] void raiseBadCall(ESContext& context);
 [[noreturn]] void raiseBadConstruct(ESContext& context);
 
+// Keeps the caller's program text and file name while eval, load or the Function
+// constructor compiles text of its own, so that later errors of the caller are
+// still completed from its own source.
+class KeepProgramText {
+ public:
+  explicit KeepProgramText(ESContext& context)
+      : context_(context), fileName_(context.fileName()), source_(context.source()) {}
+  ~KeepProgramText() { context_.setProgramText(fileName_, source_); }
+  KeepProgramText(const KeepProgramText&) = delete;
+  KeepProgramText& operator=(const KeepProgramText&) = delete;
+
+ private:
+  ESContext& context_;
+  QString fileName_;
+  QString source_;
+};
+
 // An interned string value.
 inline ESValue stringValue(ESContext& context, const QString& text) {
   return ESValue::fromAtom(context.engine().intern(text));

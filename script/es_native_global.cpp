@@ -14,20 +14,6 @@ namespace {
 
 enum GlobalId : int32_t { Eval = 1, ParseInt = 2, ParseFloat = 3, IsNaN = 4, IsFinite = 5, Load = 6 };
 
-// eval and load run a program of their own; afterwards errors of the calling
-// program are again completed from the caller's source and file name.
-class KeepProgramText {
- public:
-  explicit KeepProgramText(ESContext& context)
-      : context_(context), fileName_(context.fileName()), source_(context.source()) {}
-  ~KeepProgramText() { context_.setProgramText(fileName_, source_); }
-
- private:
-  ESContext& context_;
-  QString fileName_;
-  QString source_;
-};
-
 // The text that parseInt and parseFloat read: the first part of the text split
 // at blanks, empty parts dropped.
 QString firstWord(const QString& text) {

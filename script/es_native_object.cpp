@@ -99,6 +99,9 @@ ESObject* functionFrom(ESContext& context, int32_t argumentCount, ESValue* argum
   QStringList parameters;
   for (int32_t i = 0; i + 1 < argumentCount; ++i) parameters << context.toString(arguments[i]);
   QString body = argumentCount > 0 ? context.toString(arguments[argumentCount - 1]) : QString();
+  // A syntax error names its line in the body.
+  KeepProgramText keep(context);
+  context.setProgramText(context.fileName(), body);
   ESObject* function = context.compileFunction(parameters.join(QLatin1Char(',')), body);
   function->value = stringValue(context, QStringLiteral("anonymous"));
   return function;

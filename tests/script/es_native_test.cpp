@@ -192,6 +192,7 @@ TEST(ESNative, ObjectAndFunctionMethods) {
       {"Function('a b', '')", "SyntaxError: expected , found an identifier @ 1"},
       // The parameter text cannot close the list and smuggle in code.
       {"Function('a) { return 1; }; (function (b', 'return 2')", "SyntaxError: expected , found ) @ 1"},
+      {"Function('', '1;\\n+')", "SyntaxError: expected an expression, found end of input @ 2"},  // a line of the body
       {"Function.prototype.toString() + (function () {}).toString()", "string <<function>><<function>>"},
       {"typeof Function.prototype()", "string undefined"},
   });
