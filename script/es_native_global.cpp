@@ -31,7 +31,8 @@ double parseInteger(ESContext& context, ESValue textValue, ESValue radixValue) {
       base = 8;
   } else {
     base = context.toInt32(radixValue);
-    // Base 0 reads the prefixes of C; any other base outside 2 to 36 reads nothing.
+    // Base 0 reads the prefixes of C; any other base outside 2 to 36 reads nothing
+    // (the toolkit's conversion would take some of them as base 10).
     if (base != 0 && (base < 2 || base > 36)) return std::nan("");
   }
   bool ok = false;
