@@ -70,6 +70,7 @@ TEST(ESNative, KeepsTheArrayLength) {
       // Native walks cannot be stopped by a step budget, so they are bounded.
       {"Array(4294967295).join()", "RangeError: array too long for Array.prototype.join @ 1"},
       {"var a = []; a[2000000] = 1; a.sort()", "RangeError: array too long for Array.prototype.sort @ 1"},
+      {"var a = []; a[0] = a; a.join()", "RangeError: script calls nested too deeply @ 1"},
       {"var a = []; a[100000] = 'x'; a.reverse(); (a.join() == 'x') + ' ' + a[0] + ' ' + a.length",
        "string true x 100001"},
   });
