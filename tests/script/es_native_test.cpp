@@ -252,6 +252,18 @@ TEST(ESNative, LoadRunsFilesFromThePathOrTheSearchList) {
   EXPECT_EQ(runner.run("load('self.js')"), "RangeError: script calls nested too deeply @ 1");
 }
 
+// The classes are set up in a fixed order, which shows in the order of the
+// global names (for-in goes by atom, and atoms are made in order of definition).
+TEST(ESNative, SetsUpTheClassesInOrder) {
+  expectAll({
+      {"var wanted = {Object: 1, Boolean: 1, Array: 1, parseInt: 1, Error: 1, RangeError: 1, ReferenceError: 1,"
+       "SyntaxError: 1, TypeError: 1, EvalError: 1, Number: 1, Math: 1, Function: 1};"
+       "var s = ''; for (var k in this) if (wanted.hasOwnProperty(k)) s = s + k + ' '; s",
+       "string Object Boolean Array parseInt Error RangeError ReferenceError SyntaxError TypeError EvalError "
+       "Number Math Function "},
+  });
+}
+
 TEST(ESNative, UnknownIdsAreBadSignatures) {
   ScriptRunner runner;
   ESContext& context = runner.context();
