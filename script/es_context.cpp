@@ -479,9 +479,10 @@ ESObject* ESContext::toObject(ESValue value) {
 
 ESAtom* ESContext::toKey(ESValue value) {
   if (value.tag == ESTag::Atom) return value.atom;
-  if (value.tag == ESTag::Number && value.number >= 0 && value.number < 1024 &&
-      value.number == double(int(value.number)))
-    return engine_->indexAtom(uint64_t(value.number));  // the same atom as ToString gives, without formatting
+  // An array index takes the same atom as ToString gives, without formatting.
+  if (value.tag == ESTag::Number && value.number >= 0 && value.number <= 2147483646 &&
+      value.number == double(int32_t(value.number)))
+    return engine_->indexAtom(uint64_t(value.number));
   if (value.tag == ESTag::OwnedString) return engine_->intern(*value.string);
   return engine_->intern(toString(value));
 }

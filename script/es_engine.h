@@ -8,6 +8,7 @@
 #include <QString>
 #include <deque>
 #include <memory>
+#include <unordered_map>
 
 #include "script/es_value.h"
 
@@ -43,6 +44,8 @@ class ESEngine {
  private:
   std::deque<std::unique_ptr<ESAtom>> atoms_;
   QHash<QString, ESAtom*> byText_;  // lookup only: order of the table is creation order
+  // Atoms that are array indexes, by their number: indexing by number formats no text.
+  std::unordered_map<int64_t, ESAtom*> byIndex_;
   ESAtom* smallIntegers_[1024];
   Names names_;
   uint32_t freshCounter_ = 0;
