@@ -52,10 +52,9 @@ void ThreadsWindowScriptObjectClass::bind(ESContext& context) {
   ESObject* threads = context.newObject();
   ESEngine& engine = context.engine();
   int32_t id = 0;
-  for (const ThreadsFunctionDef& def : kThreadsFunctions) {
-    ESObject* function = context.defineFunction(threads, QLatin1String(def.name), this, def.length, id++);
-    function->value = ESValue::fromAtom(engine.intern(QLatin1String(def.fullName)));
-  }
+  for (const ThreadsFunctionDef& def : kThreadsFunctions)
+    context.defineBuiltin(threads, this,
+                          context.builtinDef(QLatin1String(def.name), QLatin1String(def.fullName), def.length, id++));
   context.global()->klass->put(context, context.global(), engine.intern(QStringLiteral("Threads")),
                                ESValue::fromObject(threads));
 }
@@ -141,6 +140,7 @@ int32_t ThreadsWindowScript::evaluate(const QString& callText, const ValueUser& 
   try {
     context.setUp();
     threads.bind(context);
+    for (const QString& directory : loadDirectories_) context.addLoadDirectory(directory);
     ESEvaluation result = context.evaluate(path_, QString::fromUtf8(*bytes) + callText);
     if (result.status == ESEvaluation::Finished && useValue) {
       try {

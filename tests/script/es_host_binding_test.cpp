@@ -4,6 +4,7 @@
 // the texts of its reports), without any widget.
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -104,9 +105,10 @@ class RecordingReporter : public ThreadsWindowReporter {
 class ThreadsWindowTest : public ::testing::Test {
  protected:
   std::string script(const std::string& text) { return folder.write("threads.js", text); }
-  ThreadsWindowScript window(uint32_t rowLimit = 100) {
+  ThreadsWindowScript window(uint32_t rowLimit = 100, QStringList loadDirectories = {}) {
     model = std::make_unique<ThreadsViewModel>(rowLimit);
-    return ThreadsWindowScript(QString::fromStdString(folder.file("threads.js")), *model, reporter);
+    return ThreadsWindowScript(QString::fromStdString(folder.file("threads.js")), *model, reporter,
+                               std::move(loadDirectories));
   }
   std::string dump() const { return model->dump().toStdString(); }
 
@@ -181,6 +183,15 @@ TEST_F(ThreadsWindowTest, WithoutInitOrWithoutTheFileTheViewGetsTheDefaultColumn
   EXPECT_TRUE(withoutInit.refresh());
   EXPECT_EQ(dump(), "columns Id|Priority|State\n");
   EXPECT_EQ(reporter.shown.size(), 1u);
+}
+
+TEST_F(ThreadsWindowTest, LoadFindsFilesInTheDirectoriesOfTheInstallation) {
+  std::filesystem::create_directory(folder.file("lib"));
+  folder.write("lib/threads_helper.js", "function init() { Threads.add('from the library', 1); }\n");
+  script("load('threads_helper.js');\n");
+  ThreadsWindowScript threads = window(100, {QString::fromStdString(folder.file("lib"))});
+  EXPECT_TRUE(threads.refresh());
+  EXPECT_EQ(dump(), "row from the library id=1\n");
 }
 
 TEST_F(ThreadsWindowTest, ScriptErrorsAreReportedWithLineAndSource) {
