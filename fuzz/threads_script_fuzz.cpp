@@ -20,11 +20,18 @@ class SilentReporter : public regmill::script::ThreadsWindowReporter {
   qsizetype sink = 0;
 };
 
+// The file the view reads, one per process, removed when the process ends.
+struct ScriptFile {
+  std::string path = "/tmp/threads_script_fuzz_" + std::to_string(getpid()) + ".js";
+  ~ScriptFile() { std::remove(path.c_str()); }
+};
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (size > 16384) return 0;
-  static const std::string path = "/tmp/threads_script_fuzz_" + std::to_string(getpid()) + ".js";
+  static const ScriptFile scriptFile;
+  const std::string& path = scriptFile.path;
   std::FILE* file = std::fopen(path.c_str(), "wb");
   if (file == nullptr) return 0;
   std::fwrite(data, 1, size, file);

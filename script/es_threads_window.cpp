@@ -13,8 +13,8 @@ struct ThreadsFunctionDef {
   const char* fullName;
 };
 
-// In the order of the function ids. setColumns2 carries the full name of
-// setColumns, as the function's text has always shown.
+// In the order of the function ids. setColumns2 reports the full name of
+// setColumns, the name scripts have always seen for both.
 constexpr ThreadsFunctionDef kThreadsFunctions[] = {
     {"clear", 0, "Debug.prototype.clear"},
     {"newqueue", 1, "Debug.prototype.newqueue"},
