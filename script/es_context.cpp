@@ -7,6 +7,8 @@
 
 #include "base/text.h"
 #include "script/es_compiler.h"
+#include "script/es_native_date.h"
+#include "script/es_native_string.h"
 
 namespace regmill::script {
 
@@ -81,10 +83,10 @@ void ESContext::createClassesAndPrototypes() {
   objectClass_ = addClass(std::make_unique<ESClass>("Object"));
   functionClass_ = addClass(std::make_unique<ESClass>("Function"));
   arrayClass_ = addClass(std::make_unique<ArrayClass>());
-  stringClass_ = addClass(std::make_unique<ESClass>("String"));
+  stringClass_ = addClass(std::make_unique<ESNativeString>());
   numberClass_ = addClass(std::make_unique<ESClass>("Number"));
   booleanClass_ = addClass(std::make_unique<ESClass>("Boolean"));
-  dateClass_ = addClass(std::make_unique<ESClass>("Date"));
+  dateClass_ = addClass(std::make_unique<ESNativeDate>());
   globalClass_ = addClass(std::make_unique<ESClass>("global"));
   activationClass_ = addClass(std::make_unique<ESClass>("activation"));
   errorClass_ = addClass(std::make_unique<ESClass>("Error"));
@@ -137,6 +139,8 @@ void ESContext::createGlobals() {
   syntaxErrorConstructor_ = defineErrorType(QStringLiteral("SyntaxError"));
   typeErrorConstructor_ = defineErrorType(QStringLiteral("TypeError"));
   defineErrorType(QStringLiteral("EvalError"));
+  static_cast<ESNativeString*>(stringClass_)->initialise(*this);
+  static_cast<ESNativeDate*>(dateClass_)->initialise(*this);
 }
 
 ESObject* ESContext::allocate() {
