@@ -208,7 +208,9 @@ void ESNativeDate::call(ESContext& context, ESObject* function, ESObject* thisOb
     arguments[0] = ESValue::fromNumber(time);
     return;
   }
-  if (thisObject == nullptr || thisObject->klass != this) context.raiseTypeError(QStringLiteral("Date object required"));
+  // The functions of this class share its klass but are no Date objects.
+  if (thisObject == nullptr || thisObject->klass != this || thisObject->call != nullptr)
+    context.raiseTypeError(QStringLiteral("Date object required"));
   double time = context.toNumber(thisObject->value);
   if (id >= SetMilliseconds && id <= SetUTCFullYear) {
     double updated = setField(context, id, time, argumentCount, arguments);

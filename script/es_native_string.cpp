@@ -93,7 +93,8 @@ ESValue splitIntoArray(ESContext& context, const QString& text, const QString& s
   ESObject* array = context.newArray();
   ESEngine& engine = context.engine();
   // The elements are new slots in index order; `length` is set once at the end.
-  for (qsizetype i = 0; i < parts.size(); ++i) array->append(engine.indexAtom(uint64_t(i)), 0, stringValue(context, parts[i]));
+  for (qsizetype i = 0; i < parts.size(); ++i)
+    array->append(engine.indexAtom(uint64_t(i)), 0, stringValue(context, parts[i]));
   array->klass->put(context, array, engine.names().length, ESValue::fromNumber(double(parts.size())));
   return ESValue::fromObject(array);
 }

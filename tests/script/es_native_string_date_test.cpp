@@ -80,7 +80,8 @@ TEST_F(ESNativeStringDate, SplitKeepsEmptyPartsAndReplaceTakesEveryOccurrenceLit
   ScriptRunner runner;
   EXPECT_EQ(runner.run("var s = 'x'; while (s.length < 1048576) s = s + s;\ns.replace('x', s)"),
             "RangeError: string too long @ 2");
-  EXPECT_EQ(runner.run("s.concat(s, s, s, s, s, s, s, s, s, s, s, s, s, s, s, s, s)"), "RangeError: string too long @ 1");
+  EXPECT_EQ(runner.run("s.concat(s, s, s, s, s, s, s, s, s, s, s, s, s, s, s, s, s)"),
+            "RangeError: string too long @ 1");
 }
 
 TEST_F(ESNativeStringDate, SearchesAndPositionsFollowTheirDefaults) {
@@ -314,6 +315,7 @@ TEST_F(ESNativeStringDate, DateMethodsRequireADateObject) {
       {"var o = {}; o.f = Date.prototype.setHours; o.f(1)", "TypeError: Date object required @ 1"},
       {"var o = {}; o.f = Date.prototype.toString; o.f()", "TypeError: Date object required @ 1"},
       {"var o = {}; o.f = Date.prototype.valueOf; o.f()", "TypeError: Date object required @ 1"},
+      {"Date.f = Date.prototype.setHours; Date.f(1)", "TypeError: Date object required @ 1"},
       {"Date()", "Error: bad signature in builtin call @ 1"},
       {"new Date.prototype.getDay()", "TypeError: new must be given a constructor object @ 1"},
   });
