@@ -14,17 +14,33 @@ std::unique_ptr<ESCode> ESCompiler::compileProgram(const QString& source) {
     ESParser parser(context_, source, *program);
     std::unique_ptr<ESNode> tree = parser.parseProgram();
     ESGenerator generator(context_, parser.line());
-    for (ESNode* function : parser.functions()) {
-      generator.generateFunction(*function);
-      if (listing_)
-        std::fputs(qPrintable(disassemble(*function->code, context_.engine(), context_.global())), stderr);
-    }
+    generateFunctions(parser.functions(), generator);
     generator.generateProgram(*tree, *program);
     if (listing_) std::fputs(qPrintable(disassemble(*program, context_.engine(), context_.global())), stderr);
   } catch (const CompileError& error) {
     context_.raiseSyntaxError(error.message, error.line);
   }
   return program;
+}
+
+uint32_t ESCompiler::compileFunction(const QString& parameters, const QString& body) {
+  ESCode unused;
+  try {
+    ESParser parser(context_, body, unused);
+    parser.parseFunctionText(parameters);
+    ESGenerator generator(context_, parser.line());
+    generateFunctions(parser.functions(), generator);
+    return parser.functions().back()->functionIndex;
+  } catch (const CompileError& error) {
+    context_.raiseSyntaxError(error.message, error.line);
+  }
+}
+
+void ESCompiler::generateFunctions(const std::vector<ESNode*>& functions, ESGenerator& generator) {
+  for (ESNode* function : functions) {
+    generator.generateFunction(*function);
+    if (listing_) std::fputs(qPrintable(disassemble(*function->code, context_.engine(), context_.global())), stderr);
+  }
 }
 
 }  // namespace regmill::script

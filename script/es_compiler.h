@@ -5,12 +5,15 @@
 #pragma once
 #include <QString>
 #include <memory>
+#include <vector>
 
 #include "script/es_code.h"
 
 namespace regmill::script {
 
 class ESContext;
+class ESGenerator;
+struct ESNode;
 
 class ESCompiler {
  public:
@@ -19,10 +22,16 @@ class ESCompiler {
   // The program's block; functions found in it join the context's function table.
   std::unique_ptr<ESCode> compileProgram(const QString& source);
 
+  // A function from a parameter text (identifiers separated by commas) and a body
+  // text; gives its index in the context's function table.
+  uint32_t compileFunction(const QString& parameters, const QString& body);
+
   // When set, every generated block is listed on stderr.
   void setListing(bool on) { listing_ = on; }
 
  private:
+  void generateFunctions(const std::vector<ESNode*>& functions, ESGenerator& generator);
+
   ESContext& context_;
   bool listing_ = false;
 };

@@ -7,7 +7,13 @@
 
 #include "base/text.h"
 #include "script/es_compiler.h"
+#include "script/es_native_array.h"
 #include "script/es_native_date.h"
+#include "script/es_native_error.h"
+#include "script/es_native_global.h"
+#include "script/es_native_math.h"
+#include "script/es_native_number.h"
+#include "script/es_native_object.h"
 #include "script/es_native_string.h"
 
 namespace regmill::script {
@@ -15,42 +21,6 @@ namespace regmill::script {
 namespace {
 
 constexpr size_t kStackBytes = size_t(ESContext::kStackSize) * sizeof(ESValue);
-
-// Arrays keep `length` one past their highest index; a `length` store takes ToUint32.
-class ArrayClass : public ESClass {
- public:
-  ArrayClass() : ESClass("Array") {}
-  void put(ESContext& context, ESObject* object, ESAtom* name, ESValue value) override {
-    ESClass::put(context, object, name, value);
-    ESAtom* length = context.engine().names().length;
-    if (name == length) {
-      ESClass::put(context, object, length, ESValue::fromNumber(context.toUint32(value)));
-    } else if (name->arrayIndex >= 0) {
-      double current = context.toNumber(ESClass::get(context, object, length));
-      if (!(double(name->arrayIndex) < current))
-        ESClass::put(context, object, length, ESValue::fromNumber(double(name->arrayIndex) + 1));
-    }
-  }
-};
-
-// The constructor of one error type. Its objects all have the context's error
-// class, whatever the type; calling it without `new` acts like `new`.
-class ErrorTypeClass : public ESClass {
- public:
-  explicit ErrorTypeClass(ESObject* prototype) : ESClass("Error"), prototype_(prototype) {}
-  ESObject* construct(ESContext& context, ESObject*, int32_t argumentCount, ESValue* arguments) override {
-    ESObject* error = context.newObject(prototype_, context.errorClass());
-    if (argumentCount > 0 && !arguments[0].isUndefined())
-      error->klass->put(context, error, context.engine().names().message, arguments[0]);
-    return error;
-  }
-  void call(ESContext& context, ESObject* function, ESObject*, int32_t argumentCount, ESValue* arguments) override {
-    arguments[0] = ESValue::fromObject(construct(context, function, argumentCount, arguments));
-  }
-
- private:
-  ESObject* prototype_;
-};
 
 }  // namespace
 
@@ -70,33 +40,42 @@ void ESContext::setUp() {
   stack_ = static_cast<ESValue*>(pages);
   sp_ = stack_;
   stackLimit_ = stack_ + kStackSize - 4096;  // the rest is room to build the overflow's error
-  createClassesAndPrototypes();
-  createGlobals();
+  createClasses();
+  createPrototypes();
+  initialiseClasses();
   thisObject_ = global_;
 }
 
-void ESContext::createClassesAndPrototypes() {
-  auto addClass = [this](std::unique_ptr<ESClass> klass) {
+void ESContext::createClasses() {
+  auto addClass = [this](auto klass) {
+    auto* raw = klass.get();
     classes_.push_back(std::move(klass));
-    return classes_.back().get();
+    return raw;
   };
-  objectClass_ = addClass(std::make_unique<ESClass>("Object"));
-  functionClass_ = addClass(std::make_unique<ESClass>("Function"));
-  arrayClass_ = addClass(std::make_unique<ArrayClass>());
+  objectClass_ = addClass(std::make_unique<ESNativeObject>());
+  functionClass_ = addClass(std::make_unique<ESNativeFunction>());
+  arrayClass_ = addClass(std::make_unique<ESNativeArray>());
   stringClass_ = addClass(std::make_unique<ESNativeString>());
-  numberClass_ = addClass(std::make_unique<ESClass>("Number"));
-  booleanClass_ = addClass(std::make_unique<ESClass>("Boolean"));
+  numberClass_ = addClass(std::make_unique<ESNativeNumber>());
+  booleanClass_ = addClass(std::make_unique<ESNativeBoolean>());
   dateClass_ = addClass(std::make_unique<ESNativeDate>());
-  globalClass_ = addClass(std::make_unique<ESClass>("global"));
+  globalClass_ = nativeGlobal_ = addClass(std::make_unique<ESNativeGlobal>());
   activationClass_ = addClass(std::make_unique<ESClass>("activation"));
-  errorClass_ = addClass(std::make_unique<ESClass>("Error"));
+  errorClass_ = addClass(std::make_unique<ESNativeError>());
+  rangeErrorClass_ = addClass(std::make_unique<ESNativeRangeError>());
+  referenceErrorClass_ = addClass(std::make_unique<ESNativeReferenceError>());
+  syntaxErrorClass_ = addClass(std::make_unique<ESNativeSyntaxError>());
+  typeErrorClass_ = addClass(std::make_unique<ESNativeTypeError>());
+  evalErrorClass_ = addClass(std::make_unique<ESNativeEvalError>());
+  mathClass_ = addClass(std::make_unique<ESNativeMath>());
+}
 
+void ESContext::createPrototypes() {
   const ESEngine::Names& names = engine_->names();
   objectPrototype_ = newObject(nullptr, objectClass_);
   functionPrototype_ = newObject(objectPrototype_, functionClass_);
-  // Callable with no code: a call gives undefined.
   functionPrototype_->call = newFunctionInfo();
-  functionPrototype_->builtinId = 0;
+  functionPrototype_->builtinId = ESNativeFunction::kPrototypeId;
   functionPrototype_->value = ESValue::fromAtom(engine_->intern(QStringLiteral("Function.prototype")));
   functionPrototype_->append(names.length, 0, ESValue::fromNumber(0));
   arrayPrototype_ = newObject(objectPrototype_, arrayClass_);
@@ -115,32 +94,34 @@ void ESContext::createClassesAndPrototypes() {
   global_->value = ESValue::owned(ownString(QStringLiteral("[object global]")));
 }
 
-void ESContext::createGlobals() {
-  const ESEngine::Names& names = engine_->names();
-  global_->append(engine_->intern(QStringLiteral("NaN")), 0, ESValue::fromNumber(std::nan("")));
-  global_->append(engine_->intern(QStringLiteral("Infinity")), 0, ESValue::fromNumber(INFINITY));
-  global_->append(engine_->intern(QStringLiteral("undefined")), 0, ESValue());
-
-  errorPrototype_ = newObject(objectPrototype_, objectClass_);
-  errorPrototype_->append(names.name, 0, ESValue::fromAtom(engine_->intern(QStringLiteral("Error"))));
-  errorPrototype_->append(names.message, 0, ESValue::fromAtom(engine_->intern(QString())));
-  auto defineErrorType = [&](const QString& typeName) {
-    ESObject* prototype = errorPrototype_;
-    if (typeName != QLatin1String("Error")) {
-      prototype = newObject(errorPrototype_, objectClass_);
-      prototype->append(names.name, 0, ESValue::fromAtom(engine_->intern(typeName)));
-    }
-    classes_.push_back(std::make_unique<ErrorTypeClass>(prototype));
-    return defineConstructor(typeName, classes_.back().get(), 1, prototype);
-  };
-  errorConstructor_ = defineErrorType(QStringLiteral("Error"));
-  rangeErrorConstructor_ = defineErrorType(QStringLiteral("RangeError"));
-  defineErrorType(QStringLiteral("ReferenceError"));
-  syntaxErrorConstructor_ = defineErrorType(QStringLiteral("SyntaxError"));
-  typeErrorConstructor_ = defineErrorType(QStringLiteral("TypeError"));
-  defineErrorType(QStringLiteral("EvalError"));
+// The order is that of the built-ins' definitions, which fixes the order of the
+// global object's properties and of the names' atoms.
+void ESContext::initialiseClasses() {
+  static_cast<ESNativeObject*>(objectClass_)->initialise(*this);
+  static_cast<ESNativeBoolean*>(booleanClass_)->initialise(*this);
+  static_cast<ESNativeArray*>(arrayClass_)->initialise(*this);
+  nativeGlobal_->initialise(*this);
+  auto* error = static_cast<ESNativeError*>(errorClass_);
+  error->initialise(*this, nullptr);
+  errorPrototype_ = error->prototype();
+  errorConstructor_ = error->constructor();
+  for (ESClass* type : {rangeErrorClass_, referenceErrorClass_, syntaxErrorClass_, typeErrorClass_, evalErrorClass_})
+    static_cast<ESNativeError*>(type)->initialise(*this, error);
+  rangeErrorConstructor_ = static_cast<ESNativeError*>(rangeErrorClass_)->constructor();
+  syntaxErrorConstructor_ = static_cast<ESNativeError*>(syntaxErrorClass_)->constructor();
+  typeErrorConstructor_ = static_cast<ESNativeError*>(typeErrorClass_)->constructor();
+  static_cast<ESNativeNumber*>(numberClass_)->initialise(*this);
+  static_cast<ESNativeMath*>(mathClass_)->initialise(*this);
   static_cast<ESNativeString*>(stringClass_)->initialise(*this);
+  static_cast<ESNativeFunction*>(functionClass_)->initialise(*this);
   static_cast<ESNativeDate*>(dateClass_)->initialise(*this);
+}
+
+void ESContext::addLoadDirectory(const QString& directory) { nativeGlobal_->addSearchDirectory(directory); }
+
+ESObject* ESContext::compileFunction(const QString& parameters, const QString& body) {
+  ESCompiler compiler(*this);
+  return makeClosure(compiler.compileFunction(parameters, body));
 }
 
 ESObject* ESContext::allocate() {
@@ -188,25 +169,47 @@ ESFunctionInfo* ESContext::newFunctionInfo() { return &functionInfos_.emplace_ba
 
 QString* ESContext::ownString(const QString& text) { return &ownedStrings_.emplace_back(text); }
 
-ESObject* ESContext::defineFunction(ESObject* target, const QString& name, ESClass* klass, int32_t length,
-                                    int32_t builtinId) {
+ESBuiltinDef ESContext::builtinDef(const QString& name, const QString& fullName, int32_t length, int32_t builtinId,
+                                   bool isConstructor) {
+  ESBuiltinDef definition;
+  definition.name = engine_->intern(name);
+  definition.fullName = engine_->intern(fullName);
+  definition.length = length;
+  definition.builtinId = builtinId;
+  definition.isConstructor = isConstructor;
+  return definition;
+}
+
+ESObject* ESContext::defineBuiltin(ESObject* target, ESClass* klass, const ESBuiltinDef& definition,
+                                   ESObject* prototype) {
+  const ESEngine::Names& names = engine_->names();
   ESObject* function = newObject(functionPrototype_, klass);
   function->call = newFunctionInfo();
-  function->call->paramCount = length;
-  function->builtinId = builtinId;
-  ESAtom* atom = engine_->intern(name);
-  function->value = ESValue::fromAtom(atom);
-  function->append(engine_->names().length, 0, ESValue::fromNumber(length));
-  target->klass->put(*this, target, atom, ESValue::fromObject(function));
+  function->call->paramCount = definition.length;
+  function->builtinId = definition.builtinId;
+  function->value = ESValue::fromAtom(definition.fullName);
+  function->append(names.length, 0, ESValue::fromNumber(definition.length));
+  if (!definition.help.isEmpty())
+    function->append(engine_->intern(QStringLiteral("help")), 0, ESValue::fromAtom(engine_->intern(definition.help)));
+  if (definition.isConstructor) {
+    function->construct = function->call;
+    target = global_;
+    if (prototype != nullptr) {
+      function->append(names.prototype, 0, ESValue::fromObject(prototype));
+      prototype->klass->put(*this, prototype, names.constructor, ESValue::fromObject(function));
+    }
+  }
+  target->klass->put(*this, target, definition.name, ESValue::fromObject(function));
   return function;
 }
 
+ESObject* ESContext::defineFunction(ESObject* target, const QString& name, ESClass* klass, int32_t length,
+                                    int32_t builtinId) {
+  return defineBuiltin(target, klass, builtinDef(name, name, length, builtinId));
+}
+
 ESObject* ESContext::defineConstructor(const QString& name, ESClass* klass, int32_t length, ESObject* prototype) {
-  ESObject* constructor = defineFunction(global_, name, klass, length, 0);
-  constructor->construct = constructor->call;
-  constructor->append(engine_->names().prototype, 0, ESValue::fromObject(prototype));
-  prototype->klass->put(*this, prototype, engine_->names().constructor, ESValue::fromObject(constructor));
-  return constructor;
+  return defineBuiltin(global_, klass, builtinDef(name, name, length, 0, true), prototype);
 }
 
 uint32_t ESContext::registerFunction(std::unique_ptr<ESCode> code) {
@@ -478,9 +481,10 @@ ESObject* ESContext::toObject(ESValue value) {
 
 ESAtom* ESContext::toKey(ESValue value) {
   if (value.tag == ESTag::Atom) return value.atom;
-  if (value.tag == ESTag::Number && value.number >= 0 && value.number < 1024 &&
-      value.number == double(int(value.number)))
-    return engine_->indexAtom(uint64_t(value.number));  // the same atom as ToString gives, without formatting
+  // An array index takes the same atom as ToString gives, without formatting.
+  if (value.tag == ESTag::Number && value.number >= 0 && value.number <= 2147483646 &&
+      value.number == double(int32_t(value.number)))
+    return engine_->indexAtom(uint64_t(value.number));
   if (value.tag == ESTag::OwnedString) return engine_->intern(*value.string);
   return engine_->intern(toString(value));
 }

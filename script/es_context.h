@@ -25,6 +25,21 @@ struct ESEvaluation {
   QString text;   // stays empty
 };
 
+// One built-in function as the native classes and hosts define it. `fullName`
+// (such as "Array.prototype.join") becomes the function object's value; the call
+// sequence pads the arguments up to `length`; `builtinId` selects the operation in
+// the class's call; a non-empty `help` becomes the function's `help` property.
+struct ESBuiltinDef {
+  ESAtom* name = nullptr;
+  ESAtom* fullName = nullptr;
+  int32_t length = 0;
+  int32_t builtinId = 0;
+  bool isConstructor = false;
+  QString help;
+};
+
+class ESNativeGlobal;
+
 class ESContext {
  public:
   // Contexts that exchange values must share an engine; none given makes a private one.
@@ -96,11 +111,20 @@ class ESContext {
   size_t recordCount() const { return batches_.size() * 64; }
   QString* ownString(const QString& text);  // a transient string the context keeps
 
-  // A native function or constructor, put on `target` under `name` (the global
-  // object for a constructor, whose `prototype` and the prototype's `constructor`
-  // are set too).
+  // Defines a built-in with `klass` as its implementing class and puts it on
+  // `target`. A constructor goes on the global object instead, with `prototype` as
+  // its `prototype` and itself as the prototype's `constructor`.
+  ESObject* defineBuiltin(ESObject* target, ESClass* klass, const ESBuiltinDef& definition,
+                          ESObject* prototype = nullptr);
+  // The definition record with its names interned.
+  ESBuiltinDef builtinDef(const QString& name, const QString& fullName, int32_t length, int32_t builtinId,
+                          bool isConstructor = false);
+  // Shorthands: a function whose full name is its name, and a constructor of id 0.
   ESObject* defineFunction(ESObject* target, const QString& name, ESClass* klass, int32_t length, int32_t builtinId);
   ESObject* defineConstructor(const QString& name, ESClass* klass, int32_t length, ESObject* prototype);
+
+  // Directories that `load` tries, in order, when its argument does not open as it is.
+  void addLoadDirectory(const QString& directory);
 
   // The function table that CLOSURE indexes.
   uint32_t registerFunction(std::unique_ptr<ESCode> code);
@@ -120,9 +144,24 @@ class ESContext {
   ESClass* objectClass() const { return objectClass_; }
   ESClass* functionClass() const { return functionClass_; }
   ESClass* arrayClass() const { return arrayClass_; }
+  ESClass* stringClass() const { return stringClass_; }
+  ESClass* numberClass() const { return numberClass_; }
+  ESClass* booleanClass() const { return booleanClass_; }
   ESClass* activationClass() const { return activationClass_; }
   ESClass* errorClass() const { return errorClass_; }
   ESClass* dateClass() const { return dateClass_; }
+  ESClass* globalClass() const { return globalClass_; }
+
+  // The text and name of the last program given to compile, which complete error
+  // objects; eval and load keep the caller's pair around their own program.
+  const QString& source() const { return source_; }
+  void setProgramText(const QString& fileName, const QString& source) {
+    fileName_ = fileName;
+    source_ = source;
+  }
+  // Compiles a function from a parameter text and a body; the new function object
+  // closes over the current scope.
+  ESObject* compileFunction(const QString& parameters, const QString& body);
 
   // The source line of the instruction being run, 0 outside a run.
   uint32_t currentLine() const;
@@ -145,8 +184,9 @@ class ESContext {
   friend class ESMachine;
   struct Frame;
 
-  void createClassesAndPrototypes();
-  void createGlobals();
+  void createPrototypes();
+  void createClasses();
+  void initialiseClasses();
   ESValue defaultValue(ESObject* object, ESTag hint);
   void recycle(ESObject* record);
   void resetMachine();
@@ -196,7 +236,10 @@ class ESContext {
            *syntaxErrorConstructor_ = nullptr;
   ESClass *objectClass_ = nullptr, *functionClass_ = nullptr, *arrayClass_ = nullptr, *stringClass_ = nullptr,
           *numberClass_ = nullptr, *booleanClass_ = nullptr, *dateClass_ = nullptr, *globalClass_ = nullptr,
-          *activationClass_ = nullptr, *errorClass_ = nullptr;
+          *activationClass_ = nullptr, *errorClass_ = nullptr, *evalErrorClass_ = nullptr,
+          *rangeErrorClass_ = nullptr, *referenceErrorClass_ = nullptr, *syntaxErrorClass_ = nullptr,
+          *typeErrorClass_ = nullptr, *mathClass_ = nullptr;
+  ESNativeGlobal* nativeGlobal_ = nullptr;
   std::vector<std::unique_ptr<ESClass>> classes_;
 
   QString source_;

@@ -49,12 +49,23 @@ ESAtom* ESEngine::intern(const QString& text) {
   ESAtom* result = atom.get();
   atoms_.push_back(std::move(atom));
   byText_.insert(text, result);
+  if (result->arrayIndex >= 0) byIndex_.emplace(result->arrayIndex, result);
   return result;
 }
 
 ESAtom* ESEngine::indexAtom(uint64_t index) {
   if (index < 1024) return smallIntegers_[index];
+  if (ESAtom* found = findIndexAtom(index)) return found;
   return intern(QString::number(index));
+}
+
+ESAtom* ESEngine::findIndexAtom(uint64_t index) const {
+  if (index < 1024) return smallIntegers_[index];
+  if (index <= 2147483646) {
+    auto found = byIndex_.find(int64_t(index));
+    return found == byIndex_.end() ? nullptr : found->second;
+  }
+  return byText_.value(QString::number(index), nullptr);
 }
 
 ESAtom* ESEngine::freshName() { return intern(QStringLiteral("CG") + QString::number(freshCounter_++)); }

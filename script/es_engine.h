@@ -8,6 +8,7 @@
 #include <QString>
 #include <deque>
 #include <memory>
+#include <unordered_map>
 
 #include "script/es_value.h"
 
@@ -26,6 +27,9 @@ class ESEngine {
 
   // Below 1024 from the prebuilt table; any other index is formatted and interned.
   ESAtom* indexAtom(uint64_t index);
+  // The atom of an index if it was ever made, else null: no object can have a
+  // property of that name then. Readers of many indexes use it to intern nothing.
+  ESAtom* findIndexAtom(uint64_t index) const;
 
   // A name no script can write: "CG" and a number that grows with every call.
   ESAtom* freshName();
@@ -40,6 +44,8 @@ class ESEngine {
  private:
   std::deque<std::unique_ptr<ESAtom>> atoms_;
   QHash<QString, ESAtom*> byText_;  // lookup only: order of the table is creation order
+  // Atoms that are array indexes, by their number: indexing by number formats no text.
+  std::unordered_map<int64_t, ESAtom*> byIndex_;
   ESAtom* smallIntegers_[1024];
   Names names_;
   uint32_t freshCounter_ = 0;

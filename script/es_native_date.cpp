@@ -3,7 +3,7 @@
 #include <QDateTime>
 #include <cmath>
 
-#include "script/es_context.h"
+#include "script/es_native.h"
 
 namespace regmill::script {
 
@@ -52,56 +52,6 @@ enum DateId : int32_t {
   SetFullYear = 39,
   SetUTCFullYear = 40,
   ToUTCString = 41,
-};
-
-struct MethodDefinition {
-  const char* name;
-  int32_t length;
-  DateId id;
-};
-
-constexpr MethodDefinition kPrototypeMethods[] = {
-    {"toString", 0, ToString},
-    {"toDateString", 0, ToDateString},
-    {"toTimeString", 0, ToTimeString},
-    {"toLocaleString", 0, ToLocaleString},
-    {"toLocaleDateString", 0, ToLocaleDateString},
-    {"toLocaleTimeString", 0, ToLocaleTimeString},
-    {"valueOf", 0, ValueOf},
-    {"getTime", 0, GetTime},
-    {"getFullYear", 0, GetFullYear},
-    {"getUTCFullYear", 0, GetUTCFullYear},
-    {"getMonth", 0, GetMonth},
-    {"getUTCMonth", 0, GetUTCMonth},
-    {"getDate", 0, GetDate},
-    {"getUTCDate", 0, GetUTCDate},
-    {"getDay", 0, GetDay},
-    {"getUTCDay", 0, GetUTCDay},
-    {"getHours", 0, GetHours},
-    {"getUTCHours", 0, GetUTCHours},
-    {"getMinutes", 0, GetMinutes},
-    {"getUTCMinutes", 0, GetUTCMinutes},
-    {"getSeconds", 0, GetSeconds},
-    {"getUTCSeconds", 0, GetUTCSeconds},
-    {"getMilliseconds", 0, GetMilliseconds},
-    {"getUTCMilliseconds", 0, GetUTCMilliseconds},
-    {"getTimezoneOffset", 0, GetTimezoneOffset},
-    {"setTime", 1, SetTime},
-    {"setMilliseconds", 1, SetMilliseconds},
-    {"setUTCMilliseconds", 1, SetUTCMilliseconds},
-    {"setSeconds", 2, SetSeconds},
-    {"setUTCSeconds", 2, SetUTCSeconds},
-    {"setMinutes", 2, SetMinutes},
-    {"setUTCMinutes", 3, SetUTCMinutes},
-    {"setHours", 4, SetHours},
-    {"setUTCHours", 4, SetUTCHours},
-    {"setDate", 1, SetDate},
-    {"setUTCDate", 1, SetUTCDate},
-    {"setMonth", 2, SetMonth},
-    {"setUTCMonth", 2, SetUTCMonth},
-    {"setFullYear", 3, SetFullYear},
-    {"setUTCFullYear", 3, SetUTCFullYear},
-    {"toUTCString", 0, ToUTCString},
 };
 
 constexpr double kMsPerDay = 86400000.0;
@@ -171,18 +121,54 @@ double ESNativeDate::timeClip(double time) {
 }
 
 void ESNativeDate::initialise(ESContext& context) {
-  ESEngine& engine = context.engine();
   ESObject* prototype = context.datePrototype();
-  context.defineConstructor(QStringLiteral("Date"), this, 7, prototype);
-  for (const MethodDefinition& method : kPrototypeMethods) {
-    QString name = QString::fromLatin1(method.name);
-    ESObject* function = context.defineFunction(prototype, name, this, method.length, method.id);
-    function->value = ESValue::fromAtom(engine.intern(QStringLiteral("Date.prototype.") + name));
-  }
+  defineNativeConstructor(context, this, "Date", 7, prototype);
+  defineNativeFunctions(context, prototype, this, "Date.prototype.",
+                        {{"toString", 0, ToString},
+                         {"toDateString", 0, ToDateString},
+                         {"toTimeString", 0, ToTimeString},
+                         {"toLocaleString", 0, ToLocaleString},
+                         {"toLocaleDateString", 0, ToLocaleDateString},
+                         {"toLocaleTimeString", 0, ToLocaleTimeString},
+                         {"valueOf", 0, ValueOf},
+                         {"getTime", 0, GetTime},
+                         {"getFullYear", 0, GetFullYear},
+                         {"getUTCFullYear", 0, GetUTCFullYear},
+                         {"getMonth", 0, GetMonth},
+                         {"getUTCMonth", 0, GetUTCMonth},
+                         {"getDate", 0, GetDate},
+                         {"getUTCDate", 0, GetUTCDate},
+                         {"getDay", 0, GetDay},
+                         {"getUTCDay", 0, GetUTCDay},
+                         {"getHours", 0, GetHours},
+                         {"getUTCHours", 0, GetUTCHours},
+                         {"getMinutes", 0, GetMinutes},
+                         {"getUTCMinutes", 0, GetUTCMinutes},
+                         {"getSeconds", 0, GetSeconds},
+                         {"getUTCSeconds", 0, GetUTCSeconds},
+                         {"getMilliseconds", 0, GetMilliseconds},
+                         {"getUTCMilliseconds", 0, GetUTCMilliseconds},
+                         {"getTimezoneOffset", 0, GetTimezoneOffset},
+                         {"setTime", 1, SetTime},
+                         {"setMilliseconds", 1, SetMilliseconds},
+                         {"setUTCMilliseconds", 1, SetUTCMilliseconds},
+                         {"setSeconds", 2, SetSeconds},
+                         {"setUTCSeconds", 2, SetUTCSeconds},
+                         {"setMinutes", 2, SetMinutes},
+                         {"setUTCMinutes", 3, SetUTCMinutes},
+                         {"setHours", 4, SetHours},
+                         {"setUTCHours", 4, SetUTCHours},
+                         {"setDate", 1, SetDate},
+                         {"setUTCDate", 1, SetUTCDate},
+                         {"setMonth", 2, SetMonth},
+                         {"setUTCMonth", 2, SetUTCMonth},
+                         {"setFullYear", 3, SetFullYear},
+                         {"setUTCFullYear", 3, SetUTCFullYear},
+                         {"toUTCString", 0, ToUTCString}});
 }
 
 ESObject* ESNativeDate::construct(ESContext& context, ESObject* function, int32_t argumentCount, ESValue*) {
-  if (function->builtinId != Constructor) context.raiseError(QStringLiteral("bad signature in builtin construct"));
+  if (function->builtinId != Constructor) raiseBadConstruct(context);
   ESObject* date = context.newObject(context.datePrototype(), this);
   double time = 0;  // any argument at all gives the start of Julian day 0
   if (argumentCount == 0) {
@@ -196,7 +182,7 @@ ESObject* ESNativeDate::construct(ESContext& context, ESObject* function, int32_
 void ESNativeDate::call(ESContext& context, ESObject* function, ESObject* thisObject, int32_t argumentCount,
                         ESValue* arguments) {
   const int32_t id = function->builtinId;
-  if (id < ToString || id > ToUTCString) context.raiseError(QStringLiteral("bad signature in builtin call"));
+  if (id < ToString || id > ToUTCString) raiseBadCall(context);
   if (id == GetTimezoneOffset) {
     arguments[0] = ESValue::fromNumber(0);
     return;
@@ -219,7 +205,7 @@ void ESNativeDate::call(ESContext& context, ESObject* function, ESObject* thisOb
   } else if (id >= ValueOf && id <= GetUTCMilliseconds) {
     arguments[0] = ESValue::fromNumber(getField(id, time));
   } else {
-    arguments[0] = ESValue::fromAtom(context.engine().intern(textForm(id, time)));
+    arguments[0] = stringValue(context, textForm(id, time));
   }
 }
 

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "script/es_context.h"
+#include "script/es_native.h"
 
 namespace regmill::script {
 
@@ -33,29 +33,6 @@ enum StringId : int32_t {
   ToLocaleUpperCase = 19,
   Trim = 20,
 };
-
-struct MethodDefinition {
-  const char* name;
-  int32_t length;
-  StringId id;
-};
-
-constexpr MethodDefinition kPrototypeMethods[] = {
-    {"toString", 0, ToString},       {"valueOf", 0, ValueOf},
-    {"charAt", 1, CharAt},           {"charCodeAt", 1, CharCodeAt},
-    {"concat", 0, Concat},           {"indexOf", 2, IndexOf},
-    {"lastIndexOf", 2, LastIndexOf}, {"localeCompare", 1, LocaleCompare},
-    {"match", 1, Match},             {"replace", 2, Replace},
-    {"search", 1, Search},           {"slice", 2, Slice},
-    {"split", 2, Split},             {"substring", 2, Substring},
-    {"toLowerCase", 0, ToLowerCase}, {"toLocaleLowerCase", 0, ToLocaleLowerCase},
-    {"toUpperCase", 0, ToUpperCase}, {"toLocaleUpperCase", 0, ToLocaleUpperCase},
-    {"trim", 0, Trim},
-};
-
-ESValue stringValue(ESContext& context, const QString& text) {
-  return ESValue::fromAtom(context.engine().intern(text));
-}
 
 // Strings are interned for ever, so a result beyond the engine's bound is refused
 // before it is built, as a concatenation is.
@@ -102,17 +79,30 @@ ESValue splitIntoArray(ESContext& context, const QString& text, const QString& s
 }  // namespace
 
 void ESNativeString::initialise(ESContext& context) {
-  ESEngine& engine = context.engine();
   ESObject* prototype = context.stringPrototype();
-  ESObject* constructor = context.defineConstructor(QStringLiteral("String"), this, 1, prototype);
-  ESObject* fromCharCode = context.defineFunction(constructor, QStringLiteral("fromCharCode"), this, 0, FromCharCode);
-  fromCharCode->value = stringValue(context, QStringLiteral("String.fromCharCode"));
-  for (const MethodDefinition& method : kPrototypeMethods) {
-    QString name = QString::fromLatin1(method.name);
-    ESObject* function = context.defineFunction(prototype, name, this, method.length, method.id);
-    function->value = ESValue::fromAtom(engine.intern(QStringLiteral("String.prototype.") + name));
-    if (method.id == ToString) nativeToString_ = function;
-  }
+  ESObject* constructor = defineNativeConstructor(context, this, "String", 1, prototype);
+  defineNativeFunctions(context, constructor, this, "String.", {{"fromCharCode", 0, FromCharCode}});
+  defineNativeFunctions(context, prototype, this, "String.prototype.",
+                        {{"toString", 0, ToString},
+                         {"valueOf", 0, ValueOf},
+                         {"charAt", 1, CharAt},
+                         {"charCodeAt", 1, CharCodeAt},
+                         {"concat", 0, Concat},
+                         {"indexOf", 2, IndexOf},
+                         {"lastIndexOf", 2, LastIndexOf},
+                         {"localeCompare", 1, LocaleCompare},
+                         {"match", 1, Match},
+                         {"replace", 2, Replace},
+                         {"search", 1, Search},
+                         {"slice", 2, Slice},
+                         {"split", 2, Split},
+                         {"substring", 2, Substring},
+                         {"toLowerCase", 0, ToLowerCase},
+                         {"toLocaleLowerCase", 0, ToLocaleLowerCase},
+                         {"toUpperCase", 0, ToUpperCase},
+                         {"toLocaleUpperCase", 0, ToLocaleUpperCase},
+                         {"trim", 0, Trim}});
+  nativeToString_ = ESClass::get(context, prototype, context.engine().names().toString).object;
 }
 
 bool ESNativeString::isStringObject(const ESObject* object) const {
@@ -132,7 +122,7 @@ void ESNativeString::put(ESContext& context, ESObject* object, ESAtom* name, ESV
 
 ESObject* ESNativeString::construct(ESContext& context, ESObject* function, int32_t argumentCount,
                                     ESValue* arguments) {
-  if (function->builtinId != Constructor) context.raiseError(QStringLiteral("bad signature in builtin construct"));
+  if (function->builtinId != Constructor) raiseBadConstruct(context);
   ESObject* wrapper = context.newObject(context.stringPrototype(), this);
   // Without an argument the text is "undefined", as for a call.
   wrapper->value = context.toStringValue(argumentCount > 0 ? arguments[0] : ESValue());
@@ -171,7 +161,7 @@ void ESNativeString::call(ESContext& context, ESObject* function, ESObject* this
       arguments[0] = thisObject->value;
       return;
     default:
-      if (id < CharAt || id > Trim) context.raiseError(QStringLiteral("bad signature in builtin call"));
+      if (id < CharAt || id > Trim) raiseBadCall(context);
       arguments[0] = callMethod(context, id, receiverText(context, thisObject), argumentCount, arguments);
   }
 }
@@ -237,7 +227,7 @@ ESValue ESNativeString::callMethod(ESContext& context, int32_t id, const QString
     case Trim:
       return stringValue(context, text.simplified());
     default:
-      context.raiseError(QStringLiteral("bad signature in builtin call"));
+      raiseBadCall(context);
   }
 }
 

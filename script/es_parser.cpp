@@ -113,6 +113,35 @@ std::unique_ptr<ESNode> ESParser::parseProgram() {
   return program;
 }
 
+void ESParser::parseFunctionText(const QString& parameters) {
+  auto function = node(Token::Function);
+  function->line = 1;
+  auto owned = std::make_unique<ESCode>();
+  function->code = owned.get();
+  function_ = function.get();
+  // The parameter text has its own lexer: it never joins the body's tokens, so it
+  // cannot close the parameter list early.
+  ESLexer lexer(context_.engine(), parameters);
+  for (ESToken token = lexer.next(); token.type != Token::End;) {
+    if (token.type != Token::Identifier)
+      fail(QStringLiteral("expected %1 found %2").arg(tokenName(Token::Identifier), tokenName(token.type)));
+    declare(token.atom, ESAttribute::DontDelete | ESAttribute::Parameter, true);
+    token = lexer.next();
+    if (token.type == Token::End) break;
+    if (token.type != ',') fail(QStringLiteral("expected %1 found %2").arg(tokenName(','), tokenName(token.type)));
+    token = lexer.next();
+    if (token.type == Token::End)
+      fail(QStringLiteral("expected %1 found %2").arg(tokenName(Token::Identifier), tokenName(token.type)));
+  }
+  advance();
+  for (auto& statement : parseStatementList(Token::End)) adopt(*function, std::move(statement));
+  function_ = nullptr;
+  if (context_.functionCount() > 65535) fail(QStringLiteral("too many functions in one context"));
+  function->functionIndex = context_.registerFunction(std::move(owned));
+  functions_.push_back(function.get());
+  textFunction_ = std::move(function);
+}
+
 std::vector<std::unique_ptr<ESNode>> ESParser::parseStatementList(int end1, int end2, int end3) {
   std::vector<std::unique_ptr<ESNode>> declarations;
   std::vector<std::unique_ptr<ESNode>> statements;

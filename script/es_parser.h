@@ -19,6 +19,10 @@ class ESParser {
 
   // The program's statement list; throws CompileError.
   std::unique_ptr<ESNode> parseProgram();
+  // A function made from texts: the source is its body, `parameters` holds
+  // identifiers separated by commas. The function is registered and is the last of
+  // functions(); throws CompileError.
+  void parseFunctionText(const QString& parameters);
   // Function nodes in the order their parsing ended: inner before outer.
   const std::vector<ESNode*>& functions() const { return functions_; }
   uint32_t line() const { return lexer_.line(); }
@@ -82,6 +86,7 @@ class ESParser {
   std::vector<ESNode*> functions_;
   // Trees that `try` and `throw` drop; kept so that functions inside stay valid.
   std::vector<std::unique_ptr<ESNode>> dropped_;
+  std::unique_ptr<ESNode> textFunction_;  // the tree of parseFunctionText
   const char* stackBase_;
 };
 

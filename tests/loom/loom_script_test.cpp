@@ -43,7 +43,7 @@ TEST(LoomScript, ReportsUncaughtErrorsAndStops) {
 
 TEST(LoomScript, ReportsAnErrorWhoseNameCannotBeConverted) {
   ScratchFolder folder;
-  folder.write("odd.js", "TypeError.prototype.name = {};\nundefinedFunction();\n");
+  folder.write("odd.js", "TypeError.prototype.name = {toString: 1, valueOf: 1};\nundefinedFunction();\n");
   auto run = runLoom({"script", "odd.js"}, folder.path());
   EXPECT_EQ(run.exitCode, 1);
   EXPECT_EQ(run.err, "Uncaught exception: object: not a function object\nodd.js:2\n");

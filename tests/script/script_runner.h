@@ -6,6 +6,10 @@
 #include <QString>
 #include <cstdio>
 #include <string>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
 
 #include "script/es_console.h"
 
@@ -54,5 +58,14 @@ class ScriptRunner {
   std::FILE* output_;
   ESConsoleContext context_;
 };
+
+// Runs each program in a fresh context and compares its description.
+using Cases = std::vector<std::pair<std::string, std::string>>;
+inline void expectAll(const Cases& cases) {
+  for (const auto& [source, expected] : cases) {
+    ScriptRunner runner;
+    EXPECT_EQ(runner.run(source), expected) << source;
+  }
+}
 
 }  // namespace regmill::script::testing

@@ -1,0 +1,10 @@
+var a = [5, undefined, 3, null, 1];
+a.sort(); a.sort(function (x, y) { return y - x; });
+var s = a.join('-') + a.concat([7, undefined], 8).toString() + a.slice(-2, 9).reverse();
+a.push(1, 2); a.pop(); a.shift(); a.length = 2; a[40] = 1;
+var n = parseInt('0x1f') + parseInt('12 34', 8) + parseFloat('0.1') + Math.max(1, '2', -0) + Math.round(-0.4);
+var t = (1.005).toFixed(2) + (255).toString(16) + Number() + Boolean('') + new Number(3);
+var f = Function('a, b', 'return a + b'); f(1, 2);
+eval('1 +'); eval('var g = 1'); load('none.js');
+var e = TypeError('x'); e.message + RangeError().name + Object.prototype.toString.length;
+({}).hasOwnProperty('a'); Object(5).valueOf(); Object.prototype.isPrototypeOf(a);
