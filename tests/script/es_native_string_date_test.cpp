@@ -113,6 +113,8 @@ TEST_F(ESNativeStringDate, StringObjectsAndReceivers) {
       // A receiver of any kind is converted by ToString, through its own toString.
       {"var o = { toString: function() { return 'xyz'; } }; o.at = ''.charAt; o.at(1)", "string y"},
       {"var up = ''.toUpperCase; up()", "string [OBJECT GLOBAL]"},  // `this` is the global object
+      {"var o = {}; o.up = ''.toUpperCase; var n = new Number(5); n.f = ''.concat; o.up() + n.f(6)",
+       "string [OBJECT OBJECT]56"},
       {"String.prototype.toString = function() { return 'q'; }; 'abc'.charAt(0)", "string q"},
       {"var o = {}; o.f = ''.toString; o.f()", "TypeError: String.prototype.toString called on non-String object @ 1"},
       {"var o = {}; o.f = ''.valueOf; o.f()", "TypeError: String.prototype.valueOf called on non-String object @ 1"},
