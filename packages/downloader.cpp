@@ -29,6 +29,16 @@ void Downloader::log(const QString& line) const {
   if (settings_.log) settings_.log(line);
 }
 
+namespace {
+
+// A reply that already failed (a 404 flags its error before it finishes) ends by
+// itself; aborting it as well would report a second error.
+void abortRunning(QNetworkReply* reply) {
+  if (reply->isRunning() && reply->error() == QNetworkReply::NoError) reply->abort();
+}
+
+}  // namespace
+
 QHttpDownloader::QHttpDownloader(const DownloadSettings& settings, QObject* parent) : Downloader(settings, parent) {
   if (settings.proxyHost.isEmpty())
     manager_.setProxy(QNetworkProxy::NoProxy);
@@ -79,16 +89,14 @@ void QHttpDownloader::start(const QUrl& url, uint32_t offset) {
 
 void QHttpDownloader::abort() {
   if (error_.isEmpty()) error_ = "download aborted";
-  if (reply_ && reply_->isRunning()) reply_->abort();
+  if (reply_) abortRunning(reply_);
 }
 
 // The reply is aborted from the event loop, not inside its own header signal.
 void QHttpDownloader::failAttempt(const QString& text) {
   if (error_.isEmpty()) error_ = text;
   if (!reply_) return;
-  QTimer::singleShot(0, reply_, [reply = reply_] {
-    if (reply->isRunning()) reply->abort();
-  });
+  QTimer::singleShot(0, reply_, [reply = reply_] { abortRunning(reply); });
 }
 
 void QHttpDownloader::readHeader() {
@@ -107,7 +115,9 @@ bool QHttpDownloader::acceptStatus() {
   if (status != 200 && status != 206) {
     log(QStringLiteral("readData: abort (status = %1)").arg(status));
     QString reason = reply_->attribute(QNetworkRequest::HttpReasonPhraseAttribute).toString();
-    failAttempt(QStringLiteral("server replied %1 %2").arg(status).arg(reason).trimmed());
+    // Not aborted: the network layer fails an error status by itself, and an abort
+    // would race with that failure. The body that follows is not read.
+    if (error_.isEmpty()) error_ = QStringLiteral("server replied %1 %2").arg(status).arg(reason).trimmed();
     return false;
   }
   bool known = false;
