@@ -89,7 +89,7 @@ bool given(int32_t index, int32_t argumentCount, const ESValue* arguments) {
   return index < argumentCount && !arguments[index].isUndefined();
 }
 
-bool isWholeInt(double value) { return value >= -2147483648.0 && value <= 2147483647.0; }
+bool fitsInt(double value) { return value >= -2147483648.0 && value <= 2147483647.0; }
 
 }  // namespace
 
@@ -309,10 +309,10 @@ double ESNativeDate::setDateFields(ESContext& context, int32_t firstField, doubl
   for (double& field : fields) {
     if (!std::isfinite(field)) return std::nan("");
     field = std::trunc(field);
-    if (!isWholeInt(field)) return std::nan("");
+    if (!fitsInt(field)) return std::nan("");
   }
   const double year = fields[kYearField], month = fields[kMonthField] + 1, day = fields[kDayField];
-  if (!QDate::isValid(int(year), int(month), int(day))) return std::nan("");
+  if (month < 1 || month > 12 || !QDate::isValid(int(year), int(month), int(day))) return std::nan("");
   return timeClip(dayFromDate(year, month, day) * kMsPerDay + floorMod(time, kMsPerDay));
 }
 

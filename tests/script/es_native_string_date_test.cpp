@@ -222,6 +222,7 @@ TEST_F(ESNativeStringDate, DateSettersGiveNaNForDatesThatDoNotExist) {
           {"d.setFullYear(1900, 1, 28)", "string 1900-1-28 12"},
           {"d.setUTCFullYear(0)", "string NaN-NaN-NaN NaN"},  // QDate has no year 0
           {"d.setMonth(12)", "string NaN-NaN-NaN NaN"},       // no overflow into the next year
+          {"d.setMonth(2147483647)", "string NaN-NaN-NaN NaN"},
           {"d.setDate(0)", "string NaN-NaN-NaN NaN"},
           {"d.setMonth(1, undefined)", "string NaN-NaN-NaN NaN"},  // day 31 kept: 31 February
           {"d.setDate(2.9)", "string 2020-0-2 12"},
