@@ -8,11 +8,13 @@
 #include "base/text.h"
 #include "script/es_compiler.h"
 #include "script/es_native_array.h"
+#include "script/es_native_date.h"
 #include "script/es_native_error.h"
 #include "script/es_native_global.h"
 #include "script/es_native_math.h"
 #include "script/es_native_number.h"
 #include "script/es_native_object.h"
+#include "script/es_native_string.h"
 
 namespace regmill::script {
 
@@ -53,10 +55,10 @@ void ESContext::createClasses() {
   objectClass_ = addClass(std::make_unique<ESNativeObject>());
   functionClass_ = addClass(std::make_unique<ESNativeFunction>());
   arrayClass_ = addClass(std::make_unique<ESNativeArray>());
-  stringClass_ = addClass(std::make_unique<ESClass>("String"));
+  stringClass_ = addClass(std::make_unique<ESNativeString>());
   numberClass_ = addClass(std::make_unique<ESNativeNumber>());
   booleanClass_ = addClass(std::make_unique<ESNativeBoolean>());
-  dateClass_ = addClass(std::make_unique<ESClass>("Date"));
+  dateClass_ = addClass(std::make_unique<ESNativeDate>());
   globalClass_ = nativeGlobal_ = addClass(std::make_unique<ESNativeGlobal>());
   activationClass_ = addClass(std::make_unique<ESClass>("activation"));
   errorClass_ = addClass(std::make_unique<ESNativeError>());
@@ -110,9 +112,9 @@ void ESContext::initialiseClasses() {
   typeErrorConstructor_ = static_cast<ESNativeError*>(typeErrorClass_)->constructor();
   static_cast<ESNativeNumber*>(numberClass_)->initialise(*this);
   static_cast<ESNativeMath*>(mathClass_)->initialise(*this);
-  // String comes here, between Math and Function.
+  static_cast<ESNativeString*>(stringClass_)->initialise(*this);
   static_cast<ESNativeFunction*>(functionClass_)->initialise(*this);
-  // Date comes last.
+  static_cast<ESNativeDate*>(dateClass_)->initialise(*this);
 }
 
 void ESContext::addLoadDirectory(const QString& directory) { nativeGlobal_->addSearchDirectory(directory); }

@@ -59,12 +59,13 @@ class ScriptRunner {
   ESConsoleContext context_;
 };
 
-// Runs each program in a fresh context and compares its description.
+// Runs each program, between a prefix and a suffix that the cases share, in a fresh
+// context and compares its description; its line numbers count the prefix's lines.
 using Cases = std::vector<std::pair<std::string, std::string>>;
-inline void expectAll(const Cases& cases) {
+inline void expectAll(const Cases& cases, const std::string& prefix = {}, const std::string& suffix = {}) {
   for (const auto& [source, expected] : cases) {
     ScriptRunner runner;
-    EXPECT_EQ(runner.run(source), expected) << source;
+    EXPECT_EQ(runner.run(prefix + source + suffix), expected) << source;
   }
 }
 
