@@ -6,6 +6,7 @@
 #include <QDateTime>
 #include <QObject>
 #include <QString>
+#include <algorithm>
 #include <deque>
 #include <memory>
 #include <utility>
@@ -105,6 +106,13 @@ class CodeEdit : public QObject {
   // The column on screen of a column of a line, tabs expanded.
   int screenColumn(int line, int column) const;
   int blockLeftColumn() const { return std::min(blockAnchorColumn_, blockEndColumn_); }
+  // --- the rows a view shows, by which page moves and searches scroll. Without a view a
+  // page is 24 rows, the height of a terminal.
+  int topLine() const { return topLine_; }
+  void setTopLine(int line) { topLine_ = std::clamp(line, 0, std::max(0, lineCount() - 1)); }
+  int visibleLines() const { return visibleLines_; }
+  void setVisibleLines(int rows) { visibleLines_ = std::max(1, rows); }
+
   int blockRightColumn() const { return std::max(blockAnchorColumn_, blockEndColumn_); }
 
   // --- primitives
@@ -173,6 +181,8 @@ class CodeEdit : public QObject {
   CodeBufferPosition anchor_, selectionEnd_;
   SelectionMode selectionMode_ = SelectionMode::Stream;
   int blockAnchorColumn_ = -1, blockEndColumn_ = -1;
+  int topLine_ = 0;
+  int visibleLines_ = 24;
 
   std::deque<std::unique_ptr<CodeEditTransaction>> done_, undone_;  // newest first
   std::unique_ptr<CodeEditTransaction> current_;

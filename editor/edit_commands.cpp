@@ -3,6 +3,7 @@
 #include "editor/edit_commands.h"
 
 #include <list>
+#include <vector>
 
 namespace regmill {
 
@@ -75,18 +76,32 @@ QString EditCommands::selectedText() const {
   return parts.join(u'\n');
 }
 
+std::optional<std::pair<int, int>> EditCommands::blockLines() const {
+  const CodeBufferPosition anchor = editor_.selectionAnchor(), end = editor_.selectionEnd();
+  if (editor_.selectionMode() != SelectionMode::Block || !anchor.isValid() || !end.isValid()) return std::nullopt;
+  return std::pair(std::min(anchor.line, end.line), std::max(anchor.line, end.line));
+}
+
+void EditCommands::setEmptyBlock(int first, int last, int screenColumn) {
+  const CodeBufferPosition end(last, columnForScreen(last, screenColumn));
+  editor_.setSelection({first, columnForScreen(first, screenColumn)}, end, SelectionMode::Block);
+  editor_.setCaret(end);
+}
+
+// A deleted block leaves an empty block at its left column, into which typing goes on
+// each of its lines.
 void EditCommands::deleteSelection() {
   if (!editor_.hasSelection()) return;
   const CodeBufferPosition start = editor_.selectionStart();
   if (blockSelected()) {
     // One piece a line, undone together as one step.
-    const int left = editor_.blockLeftColumn();
+    const int left = editor_.blockLeftColumn(), last = editor_.selectionLast().line;
     editor_.beginEdit(0, 0);
-    for (int line = start.line; line <= editor_.selectionLast().line; ++line) {
+    for (int line = start.line; line <= last; ++line) {
       auto [from, to] = blockColumns(line);
       editor_.deleteRange({line, from}, {line, to});
     }
-    editor_.clearSelection();
+    setEmptyBlock(start.line, last, left);
     editor_.setCaret({start.line, columnForScreen(start.line, left)});
     editor_.endEdit(0);
     return;
@@ -102,6 +117,7 @@ void EditCommands::replaceSelection(const QString& text) {
     // The lines of the text go one below the other at the block's left column.
     const int first = editor_.selectionStart().line, left = editor_.blockLeftColumn();
     deleteSelection();
+    editor_.clearSelection();
     const QStringList parts = text.split(u'\n');
     for (int index = 0; index < parts.size(); ++index)
       editor_.insertText({first + index, columnForScreen(first + index, left)}, parts[index]);
@@ -112,14 +128,27 @@ void EditCommands::replaceSelection(const QString& text) {
   editor_.endEdit(0);
 }
 
+// Into a block over several lines a text of one line goes at the block's left column
+// on each line, and leaves the empty block behind it, to type on; a text of as many
+// lines as the block puts one on each, as a cut block comes back. Lines go in from the
+// bottom up, so that an insert moves no line still to come.
 void EditCommands::insertAtCaret(const QString& text) {
-  if (blockSelected() && editor_.selectionStart().line != editor_.selectionLast().line) {
-    const int left = editor_.blockLeftColumn();
-    for (int line = editor_.selectionStart().line; line <= editor_.selectionLast().line; ++line)
-      editor_.insertText({line, columnForScreen(line, left)}, text);
-    return;
+  const auto lines = blockLines();
+  if (!lines || lines->first == lines->second) return editor_.insertText(editor_.caret(), text);
+  const QStringList parts = text.split(u'\n');
+  if (parts.size() != 1 && parts.size() != lines->second - lines->first + 1) {
+    editor_.clearSelection();
+    return editor_.insertText(editor_.caret(), text);
   }
-  editor_.insertText(editor_.caret(), text);
+  const int left = editor_.blockLeftColumn();
+  for (int line = lines->second; line >= lines->first; --line)
+    editor_.insertText({line, columnForScreen(line, left)}, parts.size() == 1 ? text : parts[line - lines->first]);
+  if (parts.size() == 1) {
+    const int behind = columnForScreen(lines->first, left) + int(text.size());
+    setEmptyBlock(lines->first, lines->second, editor_.screenColumn(lines->first, behind));
+  } else {
+    editor_.clearSelection();
+  }
 }
 
 std::pair<int, int> EditCommands::selectedLines() const {
@@ -128,116 +157,6 @@ std::pair<int, int> EditCommands::selectedLines() const {
   const CodeBufferPosition start = editor_.selectionStart(), end = editor_.selectionLast();
   const int count = editor_.lineCount();
   return {std::min(start.line, count - 1), std::min(end.column > 0 ? end.line + 1 : end.line, count)};
-}
-
-// --- moves
-
-void EditCommands::moveCaret(CodeBufferPosition caret) {
-  editor_.clearSelection();
-  editor_.setCaret(caret);
-}
-
-void EditCommands::charLeft() {
-  record(48);
-  const CodeBufferPosition caret = editor_.caret();
-  if (caret.column > 0) moveCaret({caret.line, caret.column - 1});
-  else if (caret.line > 0) moveCaret({caret.line - 1, editor_.buffer().lineLength(caret.line - 1)});
-}
-
-void EditCommands::charRight() {
-  record(51);
-  const CodeBufferPosition caret = editor_.caret();
-  moveCaret({caret.line, caret.column + 1});  // the caret may stand in virtual space
-}
-
-void EditCommands::lineUp() {
-  record(58);
-  const CodeBufferPosition caret = editor_.caret();
-  if (caret.line > 0) moveCaret({caret.line - 1, caret.column});
-}
-
-void EditCommands::lineDown() {
-  record(62);
-  const CodeBufferPosition caret = editor_.caret();
-  if (caret.line + 1 < editor_.lineCount()) moveCaret({caret.line + 1, caret.column});
-}
-
-void EditCommands::lineEnd() {
-  record(68);
-  moveCaret({editor_.caret().line, editor_.buffer().lineLength(editor_.caret().line)});
-}
-
-void EditCommands::documentStart() {
-  record(81);
-  moveCaret({0, 0});
-}
-
-void EditCommands::documentEnd() {
-  record(84);
-  moveCaret(editor_.buffer().endPosition());
-}
-
-void EditCommands::selectAll() {
-  record(85);
-  const CodeBufferPosition end = editor_.buffer().endPosition();
-  editor_.setSelection({0, 0}, end);
-  editor_.setCaret(end);
-}
-
-void EditCommands::selectLine() {
-  record(86);
-  const int line = editor_.caret().line;
-  const CodeBufferPosition end = line + 1 < editor_.lineCount() ? CodeBufferPosition(line + 1, 0)
-                                                                 : CodeBufferPosition(line, editor_.buffer().lineLength(line));
-  editor_.setSelection({line, 0}, end);
-  editor_.setCaret(end);
-}
-
-void EditCommands::selectWord() {
-  record(87);
-  auto [from, to] = editor_.wordAt(editor_.caret());
-  if (from == to) return;
-  editor_.setSelection(from, to);
-  editor_.setCaret(to);
-}
-
-// A word move skips the white space and punctuation before the word it reaches, and
-// stops at the ends of lines.
-CodeBufferPosition EditCommands::wordStartBefore(CodeBufferPosition position) const {
-  const QString text = editor_.line(position.line);
-  int column = std::min(position.column, int(text.size()));
-  if (column == 0) return position.line > 0 ? CodeBufferPosition(position.line - 1, editor_.buffer().lineLength(position.line - 1)) : position;
-  while (column > 0 && !CodeEdit::isWordCharacter(text[column - 1])) --column;
-  while (column > 0 && CodeEdit::isWordCharacter(text[column - 1])) --column;
-  return {position.line, column};
-}
-
-CodeBufferPosition EditCommands::wordEndBehind(CodeBufferPosition position) const {
-  const QString text = editor_.line(position.line);
-  int column = position.column;
-  if (column >= text.size()) return position.line + 1 < editor_.lineCount() ? CodeBufferPosition(position.line + 1, 0) : position;
-  while (column < text.size() && CodeEdit::isWordCharacter(text[column])) ++column;
-  while (column < text.size() && !CodeEdit::isWordCharacter(text[column])) ++column;
-  return {position.line, column};
-}
-
-void EditCommands::wordLeft() {
-  record(54);
-  moveCaret(wordStartBefore(editor_.caret()));
-}
-
-void EditCommands::wordRight() {
-  record(56);
-  moveCaret(wordEndBehind(editor_.caret()));
-}
-
-void EditCommands::lineStartToggle() {
-  record(66);
-  const CodeBufferPosition caret = editor_.caret();
-  const QString text = editor_.line(caret.line);
-  int indentation = 0;
-  while (indentation < text.size() && text[indentation].isSpace()) ++indentation;
-  moveCaret({caret.line, caret.column == indentation ? 0 : indentation});
 }
 
 void EditCommands::overwriteToggle() {
@@ -367,12 +286,46 @@ void EditCommands::deleteLine() {
   editor_.endEdit(0);
 }
 
+// A sentence ends with ".", "!" or "?" before white space or a line's end, or with the
+// last line before a blank one; the blanks behind its end go with it.
+void EditCommands::deleteSentence() {
+  const CodeBufferPosition caret = editor_.buffer().clamp(editor_.caret());
+  CodeBufferPosition end = caret;
+  int line = caret.line, column = caret.column;
+  for (auto record = editor_.buffer().lineAt(line); record != editor_.buffer().end(); ++record, ++line, column = 0) {
+    const QString& text = record->text;
+    if (line > caret.line && text.trimmed().isEmpty()) break;
+    end = {line, int(text.size())};
+    for (; column < text.size(); ++column) {
+      const bool stop = text[column] == u'.' || text[column] == u'!' || text[column] == u'?';
+      if (stop && (column + 1 == text.size() || text[column + 1].isSpace())) break;
+    }
+    if (column < text.size()) {
+      ++column;
+      while (column < text.size() && text[column].isSpace()) ++column;
+      end = {line, column};
+      break;
+    }
+  }
+  deleteTo(114, caret, end);
+}
+
 void EditCommands::duplicateLine() {
   if (!editor_.canEdit()) return;
   editor_.beginEdit(2064, kMacroKind);
   const CodeBufferPosition caret = editor_.caret();
   editor_.insertText({caret.line, 0}, editor_.line(caret.line) + u'\n');
   editor_.setCaret({caret.line + 1, caret.column});
+  editor_.endEdit(0);
+}
+
+void EditCommands::breakLine() {
+  if (!beginCommand(46, kTypingKind)) return;
+  deleteSelection();
+  editor_.clearSelection();  // a line end ends typing into a block
+  const CodeBufferPosition caret = editor_.buffer().clamp(editor_.caret());
+  editor_.insertText(caret, QStringLiteral("\n"));
+  editor_.setCaret(caret);
   editor_.endEdit(0);
 }
 
@@ -448,6 +401,51 @@ void EditCommands::cutSelectedLines(int number, bool append) {
 void EditCommands::cutLines() { cutSelectedLines(13, false); }
 void EditCommands::cutLinesAppend() { cutSelectedLines(14, true); }
 
+QString EditCommands::markedLinesText() const {
+  QString text;
+  for (const CodeLine& record : editor_.buffer())
+    if (record.flags & kBookmarkFlag) text += record.text + u'\n';
+  return text;
+}
+
+void EditCommands::copyMarkedLines(int number, bool append) {
+  record(number);
+  const QString text = markedLinesText();
+  if (!text.isEmpty()) copyText(text, append);
+}
+
+void EditCommands::copyMarked() { copyMarkedLines(21, false); }
+void EditCommands::copyMarkedAppend() { copyMarkedLines(22, true); }
+
+// Each marked line goes with the line end before it, so that the lines around keep
+// their records and their bookmarks; the first line goes with the one behind it.
+void EditCommands::cutMarkedLines(int number, bool append) {
+  const QString text = markedLinesText();
+  if (text.isEmpty()) return record(number);
+  copyText(text, append);
+  if (!beginCommand(number, kCutKind)) return;
+  std::vector<int> marked;
+  int index = 0;
+  for (const CodeLine& record : editor_.buffer()) {
+    if (record.flags & kBookmarkFlag) marked.push_back(index);
+    ++index;
+  }
+  for (auto line = marked.rbegin(); line != marked.rend(); ++line) {
+    if (*line > 0) {
+      editor_.deleteRange({*line - 1, editor_.buffer().lineLength(*line - 1)}, {*line, editor_.buffer().lineLength(*line)});
+    } else {
+      const uint32_t nextFlags = editor_.lineFlags(1);
+      editor_.deleteRange({0, 0}, editor_.lineCount() > 1 ? CodeBufferPosition(1, 0) : editor_.buffer().endPosition());
+      editor_.setLineFlags(0, nextFlags);
+    }
+  }
+  moveCaret({std::min(marked.front(), editor_.lineCount() - 1), 0});
+  editor_.endEdit(0);
+}
+
+void EditCommands::cutMarked() { cutMarkedLines(15, false); }
+void EditCommands::cutMarkedAppend() { cutMarkedLines(16, true); }
+
 void EditCommands::paste() {
   if (!beginCommand(30, kPasteKind)) return;
   const QString text = clipboard_.text();
@@ -472,6 +470,12 @@ void EditCommands::pasteAll() {
   insertAtCaret(ring_.entries.join(QString()));
   editor_.endEdit(0);
 }
+
+// --- incremental search
+
+void EditCommands::findIncremental() { finder_.startIncremental(); }
+void EditCommands::findIncrementalDialogClosed() { finder_.endIncremental(); }
+bool EditCommands::searchIncrementally(const QString& text) { return finder_.searchIncrementally(text); }
 
 // --- bookmarks
 

@@ -5,6 +5,7 @@
 #pragma once
 #include <QString>
 #include <QStringList>
+#include <optional>
 #include <utility>
 
 #include "editor/code_edit.h"
@@ -61,20 +62,51 @@ class EditCommands {
   // line out; without a selection, the caret's line.
   std::pair<int, int> selectedLines() const;
 
-  // --- moves and selection
+  // --- moves and selection. An Extend form moves the caret end of the selection and
+  // keeps its anchor; a BlockExtend form makes the selection a block.
   void charLeft();
+  void charLeftExtend();
+  void charLeftBlockExtend();
   void charRight();
+  void charRightExtend();
+  void charRightBlockExtend();
+  void wordLeft();
+  void wordLeftExtend();
+  void wordRight();
+  void wordRightExtend();
   void lineUp();
+  void lineUpExtend();
+  void lineUpBlockExtend();
+  void lineUpChunk();  // half a page
   void lineDown();
+  void lineDownExtend();
+  void lineDownBlockExtend();
+  void lineDownChunk();
+  void lineStartToggle();  // to the first non-blank character, or to column 0 from there
+  void lineStartToggleExtend();
   void lineEnd();
+  void lineEndExtend();
+  void lineNextEnd();  // to the end of the next line
+  void downLine();     // to the first non-blank character of the next line
+  void topOfWindow();
+  void topOfWindowExtend();
+  void bottomOfWindow();
+  void bottomOfWindowExtend();
+  void pageUp();
+  void pageUpExtend();
+  void pageDown();
+  void pageDownExtend();
   void documentStart();
+  void documentStartExtend();
   void documentEnd();
+  void documentEndExtend();
+  // From a bracket at the caret behind its closing partner, from one before the caret
+  // to its opening partner (see matchingDelimiter).
+  void matchDelimiter();
+  void matchDelimiterExtend();
   void selectAll();
   void selectLine();
   void selectWord();
-  void wordLeft();
-  void wordRight();
-  void lineStartToggle();  // to the first non-blank character, or to column 0 from there
   void overwriteToggle();
 
   // --- typing and deleting
@@ -88,12 +120,16 @@ class EditCommands {
   void deleteStartOfLine();
   void deleteEndOfLine();
   void deleteLine();
+  void deleteSentence();  // from the caret through the end of its sentence
   void duplicateLine();
   void insertLineAbove();
   void insertLineBelow();
   void enter();
+  void breakLine();  // splits the line at the caret, which stays on the first part
   void tab();
   void backtab();
+  void lineIndent();   // the selected lines, or the caret's, by the indent size
+  void lineOutdent();
 
   // --- lines
   void commentSelection();
@@ -114,6 +150,21 @@ class EditCommands {
   void columnize();
   void columnTidy();
   void deleteTrailingWhitespace();
+
+  // --- commands that know the C family of languages: comments, strings and
+  // character literals hide the brackets in them
+  void findNextFunction();
+  void findPrevFunction();
+  void tidyDocument();  // indents each line by its depth in braces
+  // The position of the partner of the bracket at the caret (or just before it);
+  // an invalid position when there is none.
+  CodeBufferPosition matchingDelimiter(CodeBufferPosition caret) const;
+
+  // --- incremental search: each change of the text searches again from where the
+  // search started; closing keeps the text for findNext
+  void findIncremental();
+  void findIncrementalDialogClosed();
+  bool searchIncrementally(const QString& text);
 
   // --- text
   void uppercase();
@@ -145,6 +196,11 @@ class EditCommands {
   void cutAppend();
   void cutLines();
   void cutLinesAppend();
+  // The lines that carry a bookmark.
+  void copyMarked();
+  void copyMarkedAppend();
+  void cutMarked();
+  void cutMarkedAppend();
   void paste();
   void cycleClipboardRing();
   void pasteAll();
@@ -186,6 +242,15 @@ class EditCommands {
  private:
   // The frame of a command: records it while recording, asks canEdit, opens the bracket.
   bool beginCommand(int number, int kind, int flags = 0);
+  enum class Extend { None, Stream, Block };
+  void moveTo(int number, CodeBufferPosition target, Extend extend);
+  void pageMove(int number, int direction, Extend extend);
+  void indentLines(bool caretToLineStart);
+  void outdentLines();
+  QString markedLinesText() const;
+  void copyMarkedLines(int number, bool append);
+  void cutMarkedLines(int number, bool append);
+  void moveToFunction(bool forward);
   void record(int number, const QString& text = {});
   int takeRepeatCount();
   void moveCaret(CodeBufferPosition caret);
@@ -209,6 +274,10 @@ class EditCommands {
   void jumpToBookmark(int line);
   int columnForScreen(int line, int screenColumn) const;
   bool blockSelected() const;
+  // The lines of a block selection, also of one whose two columns are equal: typing
+  // and templates go into each of them.
+  std::optional<std::pair<int, int>> blockLines() const;
+  void setEmptyBlock(int first, int last, int screenColumn);
   // The block's columns on a line, within the line's text.
   std::pair<int, int> blockColumns(int line) const;
   QString runOfWhitespace(int startColumn, int width) const;

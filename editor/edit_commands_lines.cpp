@@ -187,6 +187,26 @@ void EditCommands::indentLine(int line) {
   if (!isBlank(editor_.line(line))) insertIndentation({line, 0}, editor_.settings().indentSize);
 }
 
+// Each of the selected lines, or the caret's, but a preprocessor line while those
+// aren't indented. A selection comes to cover its lines whole; the caret keeps its
+// place in the text of its line, or goes to the line's start.
+void EditCommands::indentLines(bool caretToLineStart) {
+  editor_.beginEdit(0, kIndentKind);
+  const CodeBufferPosition caret = editor_.caret();
+  const int caretLineLength = editor_.buffer().lineLength(caret.line);
+  auto [first, last] = selectedLines();
+  last = std::max(last, first + 1);
+  for (int line = first; line < last; ++line)
+    if (editor_.settings().indentPreprocessorLines || !editor_.line(line).startsWith(u'#')) indentLine(line);
+  if (editor_.hasSelection()) {
+    const CodeBufferPosition end = last < editor_.lineCount() ? CodeBufferPosition(last, 0) : editor_.buffer().endPosition();
+    editor_.setSelection({first, 0}, end);
+  }
+  const int grown = editor_.buffer().lineLength(caret.line) - caretLineLength;
+  editor_.setCaret({caret.line, caretToLineStart ? 0 : caret.column + grown});
+  editor_.endEdit(0);
+}
+
 void EditCommands::tab() {
   record(88);
   if (!editor_.canEdit()) return;
@@ -195,24 +215,18 @@ void EditCommands::tab() {
     shiftBlock(indentSize - editor_.blockLeftColumn() % indentSize);
     return;
   }
-  if (editor_.hasSelection() && editor_.selectionStart().line != editor_.selectionLast().line) {
-    editor_.beginEdit(0, kIndentKind);
-    const int caretLine = editor_.caret().line;
-    auto [first, last] = selectedLines();
-    for (int line = first; line < last; ++line)
-      if (editor_.settings().indentPreprocessorLines || !editor_.line(line).startsWith(u'#')) indentLine(line);
-    const CodeBufferPosition end = last < editor_.lineCount() ? CodeBufferPosition(last, 0) : editor_.buffer().endPosition();
-    editor_.setSelection({first, 0}, end);
-    editor_.setCaret({caretLine, 0});
-    editor_.endEdit(0);
-    return;
-  }
+  if (editor_.hasSelection() && editor_.selectionStart().line != editor_.selectionLast().line) return indentLines(true);
   editor_.beginEdit(0, kTypingKind);
   deleteSelection();
   const CodeBufferPosition caret = editor_.caret();
   editor_.ensurePosition(caret);
   insertIndentation(caret, indentSize - editor_.screenColumn(caret.line, caret.column) % indentSize);
   editor_.endEdit(0);
+}
+
+void EditCommands::lineIndent() {
+  record(70);
+  if (editor_.canEdit()) indentLines(false);
 }
 
 // Blanks at the block's left column on each of its lines move the block right; white
@@ -247,6 +261,15 @@ void EditCommands::backtab() {
   if (!editor_.canEdit()) return;
   if (blockSelected() && editor_.selectionStart().line != editor_.selectionLast().line)
     return shiftBlock(-std::max(1, editor_.settings().indentSize));
+  outdentLines();
+}
+
+void EditCommands::lineOutdent() {
+  record(71);
+  if (editor_.canEdit()) outdentLines();
+}
+
+void EditCommands::outdentLines() {
   editor_.beginEdit(0, kOutdentKind);
   auto [first, last] = selectedLines();
   last = std::max(last, first + 1);
@@ -478,6 +501,7 @@ void EditCommands::deleteTrailingWhitespace() {
 void EditCommands::enter() {
   if (!beginCommand(45, kTypingKind)) return;
   deleteSelection();
+  editor_.clearSelection();  // a line end ends typing into a block
   CodeBufferPosition caret = editor_.caret();
   const QString text = editor_.line(caret.line);
   const int indentation = isBlank(text) ? caret.column : leadingWhitespaceLength(text);

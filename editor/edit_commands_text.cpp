@@ -240,15 +240,27 @@ void EditCommands::convertToHTML() {
   editor_.endEdit(0);
 }
 
+// In a block the call is deleted and the body inserted on each of its lines, from the
+// bottom up so that a body of several lines moves no line still to come; the caret is
+// placed from the block's first line, and a body of one line leaves an empty block at
+// the caret's column, to type on.
 bool EditCommands::expandTemplate(const CodeTemplate& codeTemplate) {
   if (!editor_.canEdit()) return false;
   editor_.beginEdit(0, kTemplateExpansionKind);
-  CodeBufferPosition caret = editor_.caret();
-  const int length = editor_.buffer().lineLength(caret.line);
-  const int from = std::clamp(caret.column - codeTemplate.before, 0, length);
-  editor_.deleteRange({caret.line, from}, {caret.line, std::clamp(caret.column + codeTemplate.behind, from, length)});
-  caret.column = from;
-  editor_.setCaret(caret);
+  auto block = blockLines();
+  if (block && block->first == block->second) block.reset();  // a block on one line calls from the caret
+  const int first = block ? block->first : editor_.caret().line, last = block ? block->second : first;
+  const int callerScreen = block ? editor_.blockLeftColumn() : editor_.screenColumn(first, editor_.caret().column);
+  int from = 0;
+  for (int line = last; line >= first; --line) {
+    const int length = editor_.buffer().lineLength(line);
+    const int column = block ? columnForScreen(line, callerScreen) : editor_.caret().column;
+    from = std::clamp(column - codeTemplate.before, 0, length);
+    const int to = std::clamp(block ? column : column + codeTemplate.behind, from, length);
+    editor_.deleteRange({line, from}, {line, to});
+  }
+  const CodeBufferPosition caret(first, from);
+  const int caretScreen = editor_.screenColumn(first, from);
 
   int markerLine = 0, markerColumn = -1;
   const QStringList lines = codeTemplate.body.split(u'\n', Qt::SkipEmptyParts);
@@ -263,7 +275,12 @@ bool EditCommands::expandTemplate(const CodeTemplate& codeTemplate) {
     indented += body[index];
     if (body[index] == u'\n' && index + 1 < body.size()) indented += QString(caret.column, u' ');
   }
-  editor_.insertText(caret, indented);
+  for (int line = last; line >= first; --line)
+    editor_.insertText(block ? CodeBufferPosition(line, columnForScreen(line, caretScreen)) : caret, indented);
+  if (block && !body.contains(u'\n'))
+    setEmptyBlock(first, last, caretScreen + (markerColumn > 0 ? markerColumn : int(body.size())));
+  else if (block)
+    editor_.clearSelection();
   if (markerColumn > 0) editor_.setCaret({caret.line + markerLine, caret.column + markerColumn});
   editor_.showStatus(QStringLiteral("Expanded template '%1'").arg(codeTemplate.name));
   editor_.endEdit(0);

@@ -86,6 +86,7 @@ bool TextFinder::find(CodeBufferPosition start, const QString& findText, const F
     if (match.found() && (!backOnStart || (backwards ? match.column > start.column : match.column < start.column))) {
       editor_.setSelection({line, match.column}, {line, match.column + match.length});
       editor_.setCaret({line, match.column + match.length});
+      bringIntoView(line);
       return true;
     }
     if (backOnStart) {
@@ -102,6 +103,42 @@ bool TextFinder::find(CodeBufferPosition start, const QString& findText, const F
     }
     column = backwards ? int(editor_.line(line).size()) : 0;
   }
+}
+
+// A line shown stays; one less than 5 lines below the last row shown becomes the last
+// row, one less than 5 lines above the first row the first; any other goes to the
+// middle.
+void TextFinder::bringIntoView(int line) {
+  const int top = editor_.topLine(), last = top + editor_.visibleLines() - 1;
+  if (line >= top && line <= last) return;
+  if (line > last && line - last < 5) editor_.setTopLine(line - editor_.visibleLines() + 1);
+  else if (line < top && top - line < 5) editor_.setTopLine(line);
+  else editor_.setTopLine(line - editor_.visibleLines() / 2);
+}
+
+void TextFinder::startIncremental() {
+  incremental_ = true;
+  incrementalOrigin_ = editor_.caret();
+  editor_.showStatus(QStringLiteral("Incremental search: "));
+}
+
+bool TextFinder::searchIncrementally(const QString& text) {
+  if (!incremental_) startIncremental();
+  editor_.clearSelection();
+  editor_.setCaret(incrementalOrigin_);
+  if (text.isEmpty()) {
+    editor_.showStatus(QStringLiteral("Incremental search: "));
+    return false;
+  }
+  const uint32_t kept = kFindWholeWord | kFindCaseSensitive;
+  const FindParameters parameters{(last_.options & kept) | kFindWrap | kFindFromGivenPosition, text, last_.replacement};
+  if (find(incrementalOrigin_, text, parameters)) {
+    editor_.showStatus(QStringLiteral("Incremental search: %1").arg(text));
+    return true;
+  }
+  editor_.setCaret(incrementalOrigin_);
+  editor_.showStatus(QStringLiteral("Can't find '%1'").arg(text));
+  return false;
 }
 
 bool TextFinder::findAgain(bool backwards) {

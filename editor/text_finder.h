@@ -66,8 +66,18 @@ class TextFinder {
 
   const FindParameters& lastSearch() const { return last_; }
 
+  // Incremental search: each text searches again, forwards with wrap, from where the
+  // search started, and a text that isn't found puts the caret back there. Ending it
+  // keeps the last text for findNext.
+  void startIncremental();
+  bool searchIncrementally(const QString& text);
+  void endIncremental() { incremental_ = false; }
+  bool isIncremental() const { return incremental_; }
+
  private:
   bool findAgain(bool backwards);
+  // Scrolls the view so that a found line shows.
+  void bringIntoView(int line);
   bool selectedAsFindText();
   // Calls `onMatch(line, match)` for each match in the scope from left to right; it
   // gives the column where the search goes on.
@@ -77,6 +87,8 @@ class TextFinder {
   CodeEdit& editor_;
   FindParameters last_;
   QRegExp expression_;
+  bool incremental_ = false;
+  CodeBufferPosition incrementalOrigin_;
 };
 
 }  // namespace regmill

@@ -4,7 +4,7 @@
 set -euo pipefail
 packages=(g++ cmake ninja-build pkg-config qt6-base-dev zlib1g-dev libbz2-dev
           libgoogle-perftools-dev libgtest-dev googletest libbenchmark-dev clang libclang-rt-14-dev
-          libxml2-utils srecord binutils python3 diffutils qt6-5compat-dev)
+          libxml2-utils srecord binutils python3 diffutils qt6-5compat-dev gforth)
 missing=()
 for package in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q "install ok installed" || missing+=("$package")

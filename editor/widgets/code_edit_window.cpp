@@ -13,12 +13,19 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QPainter>
+#include <QPushButton>
+#include <QResizeEvent>
+#include <QStandardPaths>
 #include <QStatusBar>
+#include <QTimer>
 #include <cstdio>
 
 namespace regmill {
 
 namespace {
+
+// How often the recovery file is written while the document changes.
+constexpr int kRecoveryMinutes = 2;
 
 class SystemClipboard : public Clipboard {
  public:
@@ -36,10 +43,15 @@ CodeEditView::CodeEditView(CodeEdit& editor, EditCommands& commands, QWidget* pa
 }
 
 void CodeEditView::scrollToCaret() {
-  const int rows = std::max(1, height() / fontMetrics().height());
+  const int rows = editor_.visibleLines();
   const int line = editor_.caret().line;
-  if (line < topLine_) topLine_ = line;
-  else if (line >= topLine_ + rows) topLine_ = line - rows + 1;
+  if (line < editor_.topLine()) editor_.setTopLine(line);
+  else if (line >= editor_.topLine() + rows) editor_.setTopLine(line - rows + 1);
+}
+
+void CodeEditView::resizeEvent(QResizeEvent* event) {
+  editor_.setVisibleLines(event->size().height() / fontMetrics().height());
+  QWidget::resizeEvent(event);
 }
 
 void CodeEditView::paintEvent(QPaintEvent*) {
@@ -48,9 +60,9 @@ void CodeEditView::paintEvent(QPaintEvent*) {
   const QFontMetrics metrics = fontMetrics();
   const int rows = height() / metrics.height() + 1;
   const int charWidth = metrics.horizontalAdvance(u'x');
-  auto record = editor_.buffer().lineAt(topLine_);
+  auto record = editor_.buffer().lineAt(editor_.topLine());
   for (int row = 0; row < rows && record != editor_.buffer().end(); ++row, ++record) {
-    const int line = topLine_ + row;
+    const int line = editor_.topLine() + row;
     QString text = record->text;
     text.replace(u'\t', QString(std::max(1, editor_.settings().tabSize), u' '));
     painter.drawText(2, row * metrics.height() + metrics.ascent(), text);
@@ -61,14 +73,63 @@ void CodeEditView::paintEvent(QPaintEvent*) {
   }
 }
 
+void CodeEditView::startIncrementalSearch() {
+  incremental_ = true;
+  incrementalText_.clear();
+  commands_.findIncremental();
+}
+
+// Printable keys and backspace edit the search's text; return or escape end the
+// search, and any other key ends it and does what it does.
+bool CodeEditView::incrementalSearchKey(QKeyEvent* event) {
+  const QString text = event->text();
+  if (event->key() == Qt::Key_Backspace) {
+    incrementalText_.chop(1);
+  } else if (!text.isEmpty() && text[0].isPrint()) {
+    incrementalText_ += text;
+  } else {
+    incremental_ = false;
+    commands_.findIncrementalDialogClosed();
+    return event->key() == Qt::Key_Escape || event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+  }
+  commands_.searchIncrementally(incrementalText_);
+  return true;
+}
+
 void CodeEditView::keyPressEvent(QKeyEvent* event) {
+  if (incremental_ && incrementalSearchKey(event)) {
+    scrollToCaret();
+    return update();
+  }
   const bool shift = event->modifiers() & Qt::ShiftModifier;
+  const bool control = event->modifiers() & Qt::ControlModifier;
+  // Shift extends the selection, Shift and Alt extend a block.
+  const bool block = shift && (event->modifiers() & Qt::AltModifier);
+  using Move = void (EditCommands::*)();
+  auto move = [&](Move plain, Move extend, Move blockExtend = nullptr) {
+    (commands_.*(block && blockExtend ? blockExtend : shift ? extend : plain))();
+  };
   switch (event->key()) {
-    case Qt::Key_Left: commands_.charLeft(); break;
-    case Qt::Key_Right: commands_.charRight(); break;
-    case Qt::Key_Up: commands_.lineUp(); break;
-    case Qt::Key_Down: commands_.lineDown(); break;
-    case Qt::Key_End: commands_.lineEnd(); break;
+    case Qt::Key_Left:
+      control ? move(&EditCommands::wordLeft, &EditCommands::wordLeftExtend)
+              : move(&EditCommands::charLeft, &EditCommands::charLeftExtend, &EditCommands::charLeftBlockExtend);
+      break;
+    case Qt::Key_Right:
+      control ? move(&EditCommands::wordRight, &EditCommands::wordRightExtend)
+              : move(&EditCommands::charRight, &EditCommands::charRightExtend, &EditCommands::charRightBlockExtend);
+      break;
+    case Qt::Key_Up: move(&EditCommands::lineUp, &EditCommands::lineUpExtend, &EditCommands::lineUpBlockExtend); break;
+    case Qt::Key_Down: move(&EditCommands::lineDown, &EditCommands::lineDownExtend, &EditCommands::lineDownBlockExtend); break;
+    case Qt::Key_PageUp: move(&EditCommands::pageUp, &EditCommands::pageUpExtend); break;
+    case Qt::Key_PageDown: move(&EditCommands::pageDown, &EditCommands::pageDownExtend); break;
+    case Qt::Key_Home:
+      control ? move(&EditCommands::documentStart, &EditCommands::documentStartExtend)
+              : move(&EditCommands::lineStartToggle, &EditCommands::lineStartToggleExtend);
+      break;
+    case Qt::Key_End:
+      control ? move(&EditCommands::documentEnd, &EditCommands::documentEndExtend)
+              : move(&EditCommands::lineEnd, &EditCommands::lineEndExtend);
+      break;
     case Qt::Key_Return:
     case Qt::Key_Enter: commands_.enter(); break;
     case Qt::Key_Backspace: commands_.deleteBack(); break;
@@ -91,7 +152,13 @@ CodeEditWindow::CodeEditWindow(QWidget* parent)
       clipboard_(std::make_unique<SystemClipboard>()),
       commands_(editor_, *clipboard_),
       view_(new CodeEditView(editor_, commands_, this)),
-      status_(new QLabel(this)) {
+      status_(new QLabel(this)),
+      backupDirectory_(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) +
+                       QStringLiteral("/loom/backups")),
+      recoveryTimer_(new QTimer(this)) {
+  recoveryTimer_->setSingleShot(true);
+  recoveryTimer_->setInterval(kRecoveryMinutes * 60 * 1000);
+  connect(recoveryTimer_, &QTimer::timeout, this, &CodeEditWindow::autoRecoveryTimeout);
   setCentralWidget(view_);
   statusBar()->addWidget(status_);
   editor_.setMessageHandler(this);
@@ -109,6 +176,7 @@ QAction* CodeEditWindow::addCommand(QMenu* menu, const QString& name, const QStr
   action->setShortcut(keys);
   connect(action, &QAction::triggered, this, [this, run = std::move(run)] {
     run();
+    view_->scrollToCaret();
     view_->update();
   });
   return action;
@@ -131,6 +199,8 @@ void CodeEditWindow::buildMenus() {
       commands_.finder().find(editor_.caret(), request->findText, *request);
   });
   addCommand(edit, "find-next", tr("Find &Next"), QKeySequence::FindNext, [this] { commands_.finder().findNext(); });
+  addCommand(edit, "find-incremental", tr("&Incremental Search"), QKeySequence("Ctrl+I"),
+             [this] { view_->startIncrementalSearch(); });
   addCommand(edit, "replace-all", tr("&Replace All..."), QKeySequence::Replace, [this] {
     if (auto request = findHandler_->askFind(true)) commands_.finder().replaceAll(*request, false);
   });
@@ -154,17 +224,28 @@ void CodeEditWindow::buildMenus() {
 
 QAction* CodeEditWindow::action(const QString& name) const { return findChild<QAction*>(name); }
 
+// A recovery file left by another session is offered before the user sees the text.
 bool CodeEditWindow::open(const QString& path, const QString& encoding) {
   editor_.setEncodingName(encoding);
   if (!editor_.load(path)) return false;
   setWindowTitle(path);
+  recovery_ = std::make_unique<RecoveryFile>(editor_, backupDirectory_);
+  recovery_->offerRecovery(*recoverHandler_);
+  recoveryTimer_->start();
   view_->update();
   return true;
 }
 
+void CodeEditWindow::autoRecoveryTimeout() {
+  if (recovery_ != nullptr) recovery_->autoRecoveryTimeout();
+  recoveryTimer_->start();
+}
+
+// The saved file makes the recovery file needless.
 bool CodeEditWindow::save() {
   Status saved = editor_.save(editor_.path());
   if (!saved.ok()) messageHandler_->showMessage(tr("Can't save file"), QString::fromStdString(saved.message()));
+  else if (recovery_ != nullptr) recovery_->remove();
   return saved.ok();
 }
 
@@ -185,6 +266,17 @@ std::optional<FindParameters> CodeEditWindow::askFind(bool replace) {
     if (!ok) return std::nullopt;
   }
   return parameters;
+}
+
+RecoverAnswer CodeEditWindow::askRecover(const QString& title, const QString& text) {
+  QMessageBox box(QMessageBox::Question, title, text, QMessageBox::NoButton, this);
+  QPushButton* recover = box.addButton(tr("Recover"), QMessageBox::AcceptRole);
+  QPushButton* discard = box.addButton(tr("Discard"), QMessageBox::DestructiveRole);
+  box.addButton(QMessageBox::Cancel);
+  box.exec();
+  if (box.clickedButton() == recover) return RecoverAnswer::Recover;
+  if (box.clickedButton() == discard) return RecoverAnswer::Discard;
+  return RecoverAnswer::Other;
 }
 
 int runCodeEditWindow(const QString& path, const QString& encoding) {

@@ -8,9 +8,11 @@
 #include <optional>
 
 #include "editor/edit_commands.h"
+#include "editor/recovery_file.h"
 
 class QAction;
 class QLabel;
+class QTimer;
 
 namespace regmill {
 
@@ -27,21 +29,30 @@ class CodeEditView : public QWidget {
 
  public:
   CodeEditView(CodeEdit& editor, EditCommands& commands, QWidget* parent = nullptr);
-  int topLine() const { return topLine_; }
+  // Keys go to the incremental search's text until it ends.
+  void startIncrementalSearch();
+  // Scrolls as little as brings the caret's line into view.
+  void scrollToCaret();
 
  protected:
   void paintEvent(QPaintEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
 
  private:
-  void scrollToCaret();
+  // True when the key was the search's.
+  bool incrementalSearchKey(QKeyEvent* event);
 
   CodeEdit& editor_;
   EditCommands& commands_;
-  int topLine_ = 0;
+  bool incremental_ = false;
+  QString incrementalText_;
 };
 
-class CodeEditWindow : public QMainWindow, private MessageHandler, private FindRequestHandler {
+class CodeEditWindow : public QMainWindow,
+                       private MessageHandler,
+                       private FindRequestHandler,
+                       private RecoverFileHandler {
   Q_OBJECT
 
  public:
@@ -57,10 +68,16 @@ class CodeEditWindow : public QMainWindow, private MessageHandler, private FindR
   // Handlers for tests and hosts; by default boxes and input dialogs ask.
   void setFindRequestHandler(FindRequestHandler* handler) { findHandler_ = handler; }
   void setMessageHandler(MessageHandler* handler) { messageHandler_ = handler; }
+  void setRecoverFileHandler(RecoverFileHandler* handler) { recoverHandler_ = handler; }
+  // Where recovery files live; by default "backups" in the user's data folder.
+  void setBackupDirectory(const QString& directory) { backupDirectory_ = directory; }
+  // Writes the recovery file now, as the timer does every few minutes.
+  void autoRecoveryTimeout();
 
  private:
   void showMessage(const QString& title, const QString& text) override;
   std::optional<FindParameters> askFind(bool replace) override;
+  RecoverAnswer askRecover(const QString& title, const QString& text) override;
   QAction* addCommand(QMenu* menu, const QString& name, const QString& text, const QKeySequence& keys,
                       std::function<void()> run);
   void buildMenus();
@@ -72,6 +89,10 @@ class CodeEditWindow : public QMainWindow, private MessageHandler, private FindR
   QLabel* status_;
   FindRequestHandler* findHandler_ = this;
   MessageHandler* messageHandler_ = this;
+  RecoverFileHandler* recoverHandler_ = this;
+  QString backupDirectory_;
+  std::unique_ptr<RecoveryFile> recovery_;
+  QTimer* recoveryTimer_;
 };
 
 // Opens the file in a window and runs the application until it closes.

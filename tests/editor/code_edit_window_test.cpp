@@ -4,6 +4,9 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
 #include <QTest>
 
 #include "editor/widgets/code_edit_window.h"
@@ -38,11 +41,21 @@ struct Messages : MessageHandler {
   void showMessage(const QString& title, const QString& text) override { shown.append(title + ": " + text); }
 };
 
+struct ScriptedRecovery : RecoverFileHandler {
+  RecoverAnswer answer = RecoverAnswer::Other;
+  int asked = 0;
+  RecoverAnswer askRecover(const QString&, const QString&) override {
+    ++asked;
+    return answer;
+  }
+};
+
 TEST(CodeEditWindow, OpenTypeUndoFindReplaceAndSave) {
   application();
   ScratchFolder folder;
   const QString path = QString::fromStdString(folder.write("note.txt", "red fish\r\nblue fish\r\n"));
   CodeEditWindow window;
+  window.setBackupDirectory(QString::fromStdString(folder.file("backups")));
   ScriptedFind find;
   Messages messages;
   window.setFindRequestHandler(&find);
@@ -63,6 +76,10 @@ TEST(CodeEditWindow, OpenTypeUndoFindReplaceAndSave) {
   EXPECT_EQ(window.editor().caret(), CodeBufferPosition(0, 11));
   window.action("find-next")->trigger();
   EXPECT_EQ(window.editor().caret(), CodeBufferPosition(1, 9));
+  window.action("find-incremental")->trigger();  // keys search until escape
+  QTest::keyClicks(window.view(), "red");
+  QTest::keyClick(window.view(), Qt::Key_Escape);
+  EXPECT_EQ(window.editor().caret(), CodeBufferPosition(0, 6));
 
   find.next = {0, "FISH", "cat"};
   window.action("replace-all")->trigger();
@@ -72,6 +89,38 @@ TEST(CodeEditWindow, OpenTypeUndoFindReplaceAndSave) {
   EXPECT_EQ(folder.read("note.txt"), "onered cat\r\nblue CAT\r\n");
   EXPECT_FALSE(window.editor().modified());
   EXPECT_TRUE(messages.shown.isEmpty());
+}
+
+// The answer decides: the recovered text, or the file gone; a saved document needs
+// its recovery file no longer.
+TEST(CodeEditWindow, OpeningAFileOffersItsRecoveryFile) {
+  application();
+  ScratchFolder folder;
+  const QString path = QString::fromStdString(folder.write("doc.txt", "saved\n"));
+  const QString backups = QString::fromStdString(folder.file("backups"));
+  const QString recoveryPath = RecoveryFile::pathFor(path, backups);
+  for (RecoverAnswer answer : {RecoverAnswer::Discard, RecoverAnswer::Recover}) {
+    QDir().mkpath(QFileInfo(recoveryPath).path());
+    QFile recovery(recoveryPath);
+    ASSERT_TRUE(recovery.open(QIODevice::WriteOnly) && recovery.write("unsaved\n") == 8);
+    recovery.close();
+    CodeEditWindow window;
+    ScriptedRecovery handler;
+    handler.answer = answer;
+    window.setBackupDirectory(backups);
+    window.setRecoverFileHandler(&handler);
+    ASSERT_TRUE(window.open(path));
+    EXPECT_EQ(handler.asked, 1);
+    if (answer == RecoverAnswer::Discard) {
+      EXPECT_EQ(window.editor().text(), "saved\n");
+      EXPECT_FALSE(QFileInfo::exists(recoveryPath));
+      continue;
+    }
+    EXPECT_EQ(window.editor().text(), "unsaved\n");
+    ASSERT_TRUE(window.save());
+    EXPECT_EQ(folder.read("doc.txt"), "unsaved\n");
+    EXPECT_FALSE(QFileInfo::exists(recoveryPath));
+  }
 }
 
 TEST(CodeEditWindow, EveryCommandHasAMenuActionByItsKebabName) {

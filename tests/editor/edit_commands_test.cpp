@@ -291,6 +291,134 @@ TEST(EditCommands, RecordedKeystrokesPlayBackInAnotherEditor) {
   EXPECT_EQ(EditCommands::recordedCount(), 0);
 }
 
+TEST(EditCommands, ExtendFormsMoveTheCaretEndAndKeepTheAnchor) {
+  auto twice = [](void (EditCommands::*move)()) {
+    return [move](EditCommands& e) { (e.*move)(), (e.*move)(); };
+  };
+  runCases({
+      {"char right", twice(&EditCommands::charRightExtend), "a|bcd", "a[bc]d"},
+      {"grows a selection", COMMAND(charRightExtend), "[a]bc", "[ab]c"},
+      {"back over the anchor", twice(&EditCommands::charLeftExtend), "a[b]c", "]a[bc"},
+      {"line up", COMMAND(lineUpExtend), "ab\ncd|", "ab]\ncd["},
+      {"line start toggle", COMMAND(lineStartToggleExtend), "  ab|", "  ]ab["},
+      {"document end", COMMAND(documentEndExtend), "a|\nbc", "a[\nbc]"},
+      {"a plain move clears", COMMAND(charRight), "[a]bc", "ab|c"},
+      {"next line end", COMMAND(lineNextEnd), "a|\nbcd\ne", "a\nbcd|\ne"},
+      {"down to the text", COMMAND(downLine), "a|b\n   cd", "ab\n   |cd"},
+  });
+  CommandBench block("ab|cd\nef\nghij");
+  block.commands.lineDownBlockExtend();
+  block.commands.lineDownBlockExtend();  // an empty block keeps its anchor
+  block.commands.charRightBlockExtend();
+  EXPECT_EQ(block.editor.selectionMode(), SelectionMode::Block);
+  EXPECT_EQ(block.commands.selectedText(), "c\n\ni");
+}
+
+TEST(EditCommands, PageAndWindowMovesFollowTheRowsShown) {
+  CommandBench bench("0\n1\n2\n3\n4\n5\n6|");
+  bench.editor.setVisibleLines(3);  // a chunk is one line
+  const std::tuple<void (EditCommands::*)(), int, int> steps[] = {
+      // command, caret line and top line after it
+      {&EditCommands::pageUp, 3, 0},        {&EditCommands::pageUp, 0, 0},
+      {&EditCommands::pageDown, 3, 3},      {&EditCommands::bottomOfWindow, 5, 3},
+      {&EditCommands::topOfWindow, 3, 3},   {&EditCommands::pageDown, 6, 6},
+      {&EditCommands::lineUpChunk, 5, 6},   {&EditCommands::lineDownChunk, 6, 6},
+  };
+  for (auto [command, line, top] : steps) {
+    (bench.commands.*command)();
+    EXPECT_EQ(bench.editor.caret(), CodeBufferPosition(line, 1));
+    EXPECT_EQ(bench.editor.topLine(), top);
+  }
+  bench.commands.pageUpExtend();
+  EXPECT_EQ(bench.state(), "0\n1\n2\n3]\n4\n5\n6[");
+}
+
+TEST(EditCommands, LineCommandsOfTheNumberList) {
+  auto withBookmarks = [](std::initializer_list<int> lines, void (EditCommands::*command)()) {
+    return [lines, command](EditCommands& e) {
+      for (int line : lines) e.editor().setLineFlags(line, kBookmarkFlag);
+      (e.*command)();
+    };
+  };
+  runCases({
+      {"break line", COMMAND(breakLine), "    ab|cd", "    ab|\ncd"},
+      {"indent keeps the caret on its text", COMMAND(lineIndent), "ab|c", "    ab|c"},
+      {"indent lines", COMMAND(lineIndent), "[a\n]b", "[    a\n]b"},
+      {"outdent", COMMAND(lineOutdent), "      a|", "  a|"},
+      {"sentence", COMMAND(deleteSentence), "One. |Two three.  Four.", "One. |Four."},
+      {"sentence over lines", COMMAND(deleteSentence), "a |b\nc! d", "a |d"},
+      {"sentence ends at a blank line", COMMAND(deleteSentence), "a |b\nc\n\nd.", "a |\n\nd."},
+      {"cut marked", withBookmarks({0, 2}, &EditCommands::cutMarked), "a\nb\nc\nd", "|b\nd"},
+  });
+  CommandBench marked("a\nb\nc");
+  for (int line : {0, 2}) marked.editor.setLineFlags(line, kBookmarkFlag);
+  marked.commands.copyMarked();
+  EXPECT_EQ(marked.clipboard.text(), "a\nc\n");
+  marked.commands.cutMarkedAppend();
+  EXPECT_EQ(marked.clipboard.text(), "a\nc\na\nc\n");
+  EXPECT_EQ(marked.editor.lineFlags(0), 0u);  // the bookmarks went with their lines
+}
+
+TEST(EditCommands, DelimitersAndFunctionsAreFoundThroughCommentsAndStrings) {
+  runCases({
+      {"to the closing partner", COMMAND(matchDelimiter), "f|(a{b}(c)) x", "f(a{b}(c))| x"},
+      {"back to the opening one", COMMAND(matchDelimiter), "f(a{b}(c))| x", "f|(a{b}(c)) x"},
+      {"literals and comments hide", COMMAND(matchDelimiter), "|(\")\" ')' /* ) */ // )\n)", "(\")\" ')' /* ) */ // )\n)|"},
+      {"a comment over lines", COMMAND(matchDelimiter), "{ /*\n } */ |}", "|{ /*\n } */ }"},
+      {"no bracket", COMMAND(matchDelimiter), "a|b", "a|b"},
+      {"extend", COMMAND(matchDelimiterExtend), "x|(a)", "x[(a)]"},
+  });
+  CommandBench bench("int x;\n/* f(\n*/\nvoid f(int a)\n{\n  g(a);\n}\nstatic int h()\n{}");
+  const std::pair<void (EditCommands::*)(), int> steps[] = {{&EditCommands::findNextFunction, 3},
+                                                            {&EditCommands::findNextFunction, 7},
+                                                            {&EditCommands::findNextFunction, 7},
+                                                            {&EditCommands::findPrevFunction, 3},
+                                                            {&EditCommands::findPrevFunction, 3}};
+  for (auto [command, line] : steps) {
+    (bench.commands.*command)();
+    EXPECT_EQ(bench.editor.caret().line, line);
+  }
+}
+
+TEST(EditCommands, TidyDocumentIndentsByBraceDepth) {
+  runCases({{"tidy", COMMAND(tidyDocument),
+             "void f()\n{\nif (a) {\n\"}\";\n  }   \n  #define X\n/* {\n   kept */\n\t\n}",
+             "void f()\n{\n    if (a) {\n        \"}\";\n    }\n#define X\n    /* {\n   kept */\n\n}"}});
+}
+
+TEST(EditCommands, TemplatesAndTypingGoIntoEveryLineOfABlock) {
+  CommandBench bench("x pf\ny pf\nz pf");
+  bench.editor.setSelection({0, 4}, {2, 4}, SelectionMode::Block);  // an empty block over three lines
+  EXPECT_FALSE(bench.commands.expandTemplate({"printf", "", "printf(|);", 2, 0}));
+  EXPECT_EQ(bench.editor.text(), "x printf();\ny printf();\nz printf();");
+  bench.commands.typeText("s");
+  EXPECT_EQ(bench.editor.text(), "x printf(s);\ny printf(s);\nz printf(s);");
+  bench.editor.undo();
+  bench.editor.undo();
+  EXPECT_EQ(bench.editor.text(), "x pf\ny pf\nz pf");
+}
+
+TEST(EditCommands, IncrementalSearchStartsAgainFromItsOriginWithEachText) {
+  CommandBench bench("x |alpha beta alphabet");
+  bench.commands.findIncremental();
+  const std::tuple<const char*, const char*, const char*> steps[] = {
+      // text, what is selected (or where the caret went back to), status
+      {"al", "al", "Incremental search: al"},
+      {"alx", "x |alpha beta alphabet", "Can't find 'alx'"},
+      {"alphab", "alphab", "Incremental search: alphab"},
+      {"alpha", "alpha", "Incremental search: alpha"},  // from the origin, not from the last match
+  };
+  for (auto [text, result, status] : steps) {
+    EXPECT_EQ(bench.commands.searchIncrementally(text), QString(result) == text);
+    EXPECT_EQ(bench.editor.hasSelection() ? bench.commands.selectedText() : bench.state(), result);
+    EXPECT_EQ(bench.editor.statusMessage(), status);
+  }
+  EXPECT_EQ(bench.editor.selectionStart(), CodeBufferPosition(0, 2));
+  bench.commands.findIncrementalDialogClosed();
+  EXPECT_TRUE(bench.commands.finder().findNext());  // the last text, on from the match
+  EXPECT_EQ(bench.editor.caret(), CodeBufferPosition(0, 18));
+}
+
 // Random commands on random text with random selections: undoing all gives back the
 // text and the caret from before the first change, redoing all the text and caret
 // after the last one, and a new edit after an undo empties the redo list.
@@ -376,6 +504,10 @@ TEST(EditCommands, BlockSelectionsWorkOnTheirColumnsOfEachLine) {
   EXPECT_EQ(tab.state(), "a[bc\nde]f");
   tab.commands.backtab();  // no white space before the block: nothing moves
   EXPECT_EQ(tab.state(), "a[bc\nde]f");
+  tab.commands.cut();
+  EXPECT_EQ(tab.editor.text(), "ac\ndf");
+  tab.commands.paste();  // the empty block left behind takes its lines back
+  EXPECT_EQ(tab.editor.text(), "abc\ndef");
 }
 
 }  // namespace

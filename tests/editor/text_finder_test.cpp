@@ -74,6 +74,23 @@ TEST(TextFinder, AFailedSearchReportsEachStepOrStaysQuiet) {
   EXPECT_EQ(bench.state(), "abc\n|def");
 }
 
+TEST(TextFinder, AMatchOutOfViewScrollsByTheRowsShown) {
+  QString text;
+  for (int line = 0; line < 200; ++line) text += line == 0 ? "x" : "\nx";
+  CommandBench bench(text);
+  bench.editor.setVisibleLines(10);
+  const std::pair<int, int> rows[] = {
+      // line of the match, top line after the find from a view at line 50
+      {55, 50}, {59, 50}, {63, 54}, {64, 59}, {46, 46}, {45, 40}, {0, 0}, {199, 194},
+  };
+  for (auto [line, top] : rows) {
+    bench.editor.setTopLine(50);
+    bench.editor.clearSelection();
+    ASSERT_TRUE(bench.commands.finder().find({line, 0}, "x", {}));
+    EXPECT_EQ(bench.editor.topLine(), top) << line;
+  }
+}
+
 TEST(TextFinder, ReplaceAllGoesOnBehindTheNewTextAndUndoesInOneStep) {
   struct Row {
     FindParameters parameters;

@@ -1,0 +1,5 @@
+1: X 1 >R ; X
+-8 THROW
+$FF %101 -#12 1E 1.5 .S
+: L 10 0 DO I 5 = IF LEAVE THEN LOOP ; L
+VARIABLE V 3 V ! V @ . V 4 + @

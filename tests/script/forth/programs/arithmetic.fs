@@ -1,0 +1,9 @@
+\ Integer arithmetic, floored division and comparisons.
+: SHOW ( n -- ) . ;
+-7 2 / SHOW  -7 2 MOD SHOW  7 -2 /MOD SHOW SHOW CR
+17 5 /MOD SHOW SHOW  -17 5 /MOD SHOW SHOW  100 7 3 */ SHOW CR
+5 NEGATE ABS SHOW  3 -4 MIN SHOW  3 -4 MAX SHOW  12 10 XOR SHOW  1 10 LSHIFT SHOW CR
+1 2 < SHOW  2 1 < SHOW  3 3 = SHOW  3 4 <> SHOW  0 0= SHOW  -5 0< SHOW  5 0> SHOW CR
+-1 U. CR
+: GCD ( a b -- g ) BEGIN DUP WHILE TUCK MOD REPEAT DROP ;
+1071 462 GCD SHOW  17 5 GCD SHOW CR

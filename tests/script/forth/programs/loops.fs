@@ -1,0 +1,11 @@
+\ Counted loops, nested loops, LEAVE and the loops with a test.
+: STARS ( n -- ) 0 ?DO 42 EMIT LOOP ;
+: TRIANGLE 6 1 DO CR I STARS LOOP ;
+: COUNTDOWN 0 10 DO I . -2 +LOOP ;
+: FIND-SEVEN 100 0 DO I 7 = IF ." found " I . LEAVE THEN LOOP ;
+: HALVES BEGIN DUP . 2/ DUP 0= UNTIL DROP ;
+TRIANGLE CR
+COUNTDOWN CR
+FIND-SEVEN CR
+1000 HALVES CR
+0 STARS ." none" CR
