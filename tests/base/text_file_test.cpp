@@ -29,12 +29,5 @@ TEST(TextFileReader, LinesComeInPiecesWithOnlyCarriageReturnsBeforeLineFeedsDrop
   for (const auto& [contents, bufferSize, lines] : cases) EXPECT_EQ(linesOf(contents, bufferSize), lines) << contents;
 }
 
-TEST(TextFileReader, MissingFileDoesNotOpen) {
-  TextFileReader reader;
-  EXPECT_FALSE(reader.open("/nonexistent/file"));
-  char buffer[8];
-  EXPECT_FALSE(reader.readLine(buffer, sizeof buffer));
-}
-
 }  // namespace
 }  // namespace regmill

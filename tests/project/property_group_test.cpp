@@ -3,7 +3,6 @@
 // applies its entry.
 #include <gtest/gtest.h>
 
-#include <QFile>
 #include <filesystem>
 
 #include "project/macro_expander.h"
@@ -55,10 +54,7 @@ TEST_F(PropertyGroups, FilesDeclareClassesAndAreCachedByTime) {
   EXPECT_EQ(file->findClass("core")->page(), "Debug");
   EXPECT_EQ(cache.lookup(path), file);
 
-  QFile touched(path);
-  ASSERT_TRUE(touched.open(QIODevice::ReadWrite));
-  ASSERT_TRUE(touched.setFileTime(touched.fileTime(QFileDevice::FileModificationTime).addSecs(5), QFileDevice::FileModificationTime));
-  touched.close();
+  folder.touchLater("propertyGroups.xml");
   const PropertyValueGroupFile* again = cache.lookup(path);
   ASSERT_NE(again, nullptr);
   EXPECT_NE(again, file);

@@ -1,6 +1,7 @@
 #include "tests/support/scratch_folder.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
@@ -37,6 +38,10 @@ size_t ScratchFolder::entryCount() const {
   size_t count = 0;
   for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(path_)) ++count;
   return count;
+}
+
+void ScratchFolder::touchLater(const std::string& name) const {
+  std::filesystem::last_write_time(file(name), std::filesystem::last_write_time(file(name)) + std::chrono::seconds(5));
 }
 
 std::string readFile(const std::filesystem::path& path) {

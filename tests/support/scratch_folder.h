@@ -25,6 +25,8 @@ class ScratchFolder {
   std::string read(const std::string& name) const;
   bool exists(const std::string& name) const;
   size_t entryCount() const;  // files and folders in it
+  // Moves the file's modification time 5 s on, as another process's later write would.
+  void touchLater(const std::string& name) const;
 
  private:
   std::filesystem::path path_;
