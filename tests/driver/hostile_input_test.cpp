@@ -21,17 +21,12 @@ namespace {
 
 using testing::ProcessResult;
 using testing::ScratchFolder;
+using testing::repeated;
 
 constexpr long kPeakBoundKilobytes = 1L << 20;  // 1 GiB, sanitizer builds included
 constexpr rlim_t kCpuSeconds = 60;
 
 const std::string kSource = REGMILL_SOURCE_DIR;
-
-std::string repeated(const std::string& text, int times) {
-  std::string result;
-  for (int i = 0; i < times; ++i) result += text;
-  return result;
-}
 
 // One enumeration of 350,000 names under 30 fields: 700 KB that ask for ten million elements.
 std::string enumerationBlowupTCF() {

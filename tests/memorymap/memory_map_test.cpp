@@ -1,4 +1,7 @@
+// The memory-map model: element kinds, the root, searches, and the SVD file's
+// interrupt table and group removal.
 #include "memorymap/memory_map.h"
+#include "memorymap/svd_file.h"
 #include "xml/xml_string.h"
 
 #include <gtest/gtest.h>
@@ -59,6 +62,44 @@ TEST(MemoryMap, FindElementGoesDepthFirstInDocumentOrderWithOrWithoutCase) {
   EXPECT_EQ(find(ElementKind::Register, "start", "missing", true), nullptr);
   EXPECT_EQ(find(ElementKind::Enum, nullptr, nullptr, true), nullptr);
   EXPECT_EQ(find(ElementKind::Processor, nullptr, nullptr, true), map.root());
+}
+
+// The names of entries 0 to 4, "-" for none, and the highest entry.
+std::string table(const SVDFile& file) {
+  std::string text;
+  for (int i = -1; i < 5; ++i) {
+    const char* name = file.interruptName(i);
+    text += std::string(name == nullptr ? "-" : name) + " ";
+  }
+  return text + std::to_string(file.highestInterrupt);
+}
+
+TEST(SVDFile, InterruptNamesNeedATableAndFilledEntriesStay) {
+  SVDFile file;
+  file.setInterruptNames({"A", "B"});
+  file.storeInterruptName(0, "A");
+  EXPECT_EQ(table(file), "- - - - - - -1");  // untouched without a table
+  file.setInterruptTableSize(4);
+  file.setInterruptNames({"A", "", "C"});  // empty parts leave entries free
+  file.setInterruptNames({"X", "B", "Y", "D", "BEYOND"});
+  EXPECT_EQ(table(file), "- A B C D - 3");
+  file.setInterruptTableSize(8);
+  file.storeInterruptName(2, "OLD");
+  file.storeInterruptName(2, "");  // stored names replace and may be empty
+  file.storeInterruptName(8, "OUTSIDE");
+  EXPECT_EQ(table(file), "- - -  - - 2");
+}
+
+TEST(SVDFile, RemoveGroupsUnlinksDirectChildrenByExactName) {
+  SVDFile file;
+  ASSERT_TRUE(file.parse(
+      "<Processor><RegisterGroup name=\"A\"><Register name=\"B\"/></RegisterGroup>"
+      "<RegisterGroup name=\"B\"/><RegisterGroup name=\"b\"/><RegisterGroup name=\"C\"/></Processor>"));
+  file.removeGroups({"B", "", "C", "A"});
+  XMLNode* remaining = file.root()->firstChild();
+  ASSERT_NE(remaining, nullptr);
+  EXPECT_STREQ(static_cast<XMLElement*>(remaining)->getAttribute("name"), "b");
+  EXPECT_EQ(remaining->nextSibling(), nullptr);
 }
 
 }  // namespace

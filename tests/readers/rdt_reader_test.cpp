@@ -39,12 +39,10 @@ TEST(ReadersRDT, InstancesOfTheProcessorBecomeGroupsFromTheirRegisterFiles) {
       "  <bitfield id=\"RESERVED\" end=\"1\" width=\"31\"><v id=\"X\" /></bitfield>\n"
       "</register><note /><register id=\"DIR\"><bitfield end=\"0\" /></register></registers>\n");
   std::string untagged = folder.write("untagged.xml", "no tag here");
-  std::string open, close;
-  for (int depth = 0; depth < 200000; ++depth) open += "<a>", close += "</a>";
-  EXPECT_EQ(convert("<device>" + open +
+  EXPECT_EQ(convert("<device>" + testing::repeated("<a>", 200000) +
                     processor(instance("P", registers) + "<note />" + instance("Q", untagged) +
                               "<![CDATA[x]]>" + instance("LATE", "missing.xml")) +
-                    close + processor(instance("SECOND", "missing.xml")) + "</device>"),
+                    testing::repeated("</a>", 200000) + processor(instance("SECOND", "missing.xml")) + "</device>"),
             "<Root>\n"
             "  <RegisterGroup name=\"P\" start=\"0x100\">\n"
             "    <Register name=\"DATA\" start=\"+0x0\">\n"

@@ -50,6 +50,13 @@ std::string readFile(const std::filesystem::path& path) {
   return contents.str();
 }
 
+std::string repeated(const std::string& text, size_t count) {
+  std::string all;
+  all.reserve(text.size() * count);
+  while (count-- > 0) all += text;
+  return all;
+}
+
 std::string writtenText(XMLDocument& document, unsigned indentation, unsigned maxLineLength) {
   char* bytes = nullptr;
   size_t size = 0;

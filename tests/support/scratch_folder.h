@@ -33,6 +33,7 @@ class ScratchFolder {
 };
 
 std::string readFile(const std::filesystem::path& path);
+std::string repeated(const std::string& text, size_t count);  // the text `count` times over
 
 // The document as the writer prints it; indentation 2 and no line limit by default.
 std::string writtenText(XMLDocument& document, unsigned indentation = 2, unsigned maxLineLength = 0);

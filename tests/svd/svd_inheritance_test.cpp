@@ -11,12 +11,10 @@ TEST(SVDInheritance, DerivedChainTakesFromLastBaseByTextOrByElement) {
   // A -> B -> C: A takes C's values and nothing of B. B's empty "fields" element is
   // its own and wins over C's; D's empty description reads C's; names aren't inherited.
   // C has children enough for its table to be kept, and gives A and D the same.
-  std::string manyChildren;
-  for (int i = 0; i < 100; ++i) manyChildren += "<x/>";
   std::string svd = deviceWithPeripherals(R"(<peripheral><name>P</name><baseAddress>0x0</baseAddress><registers>
     <register derivedFrom="B"><name>A</name></register>
     <register derivedFrom="C"><name>B</name><addressOffset>0x4</addressOffset><resetValue>0x5</resetValue><description>b</description><fields/></register>
-    <register><name>C</name>)" + manyChildren + R"(<addressOffset>0x8</addressOffset><size>16</size><description>c</description>
+    <register><name>C</name>)" + testing::repeated("<x/>", 100) + R"(<addressOffset>0x8</addressOffset><size>16</size><description>c</description>
       <fields><field><name>F</name><bitOffset>0</bitOffset><bitWidth>1</bitWidth></field></fields></register>
     <register derivedFrom="C"><description></description></register>
   </registers></peripheral>)");

@@ -17,6 +17,7 @@ namespace regmill {
 namespace {
 
 using testing::owned;
+using testing::repeated;
 using testing::writtenText;
 
 using Attributes = std::initializer_list<std::pair<std::string, const char*>>;
@@ -71,12 +72,6 @@ TEST(XmlWriter, EveryByteOutsideThePrintableRangeIsAHexadecimalReference) {
   source.setRoot(el("e", {{"v", all.c_str()}}, {data(all.c_str())}));
   ASSERT_TRUE(back.parse(writtenText(source, 2, 0).c_str()));
   EXPECT_EQ(testing::dumpRoot(back), testing::dumpRoot(source));
-}
-
-std::string repeated(const std::string& text, size_t count) {
-  std::string all;
-  while (count-- > 0) all += text;
-  return all;
 }
 
 TEST(XmlWriter, DeepNestingParsesWritesAndIsFreedWithoutRecursion) {
