@@ -1,7 +1,7 @@
 // Solution files: load failures with their texts, byte-stable saving of realistic
 // solutions (links with macros, nested and dynamic folders, inherited
 // configurations, non-ASCII values), edits recorded and signalled in order, and
-// links that meet.
+// links that meet; and session files, whose paths stay relative below their folder.
 #include <gtest/gtest.h>
 
 #include <QFileInfo>
@@ -13,8 +13,10 @@
 #include "project/project_listing.h"
 #include "project/project_property_value.h"
 #include "project/project_system.h"
+#include "project/session_file.h"
 #include "tests/project/qt_printers.h"
 #include "tests/support/scratch_folder.h"
+#include "xml/xml_string.h"
 
 namespace regmill {
 namespace {
@@ -335,6 +337,41 @@ TEST_F(SolutionFiles, LinkingASolutionMapsItsProjectsAndRefusesALoop) {
   system.saveAll();
   EXPECT_EQ(folder.read("top.lkProject"), kHeader + "<solution Name=\"Top\" target=\"8\" version=\"2\">\n  <import file_name=\"" +
                                              folder.file("sub.lkProject") + "\" />\n</solution>\n");
+}
+
+class Window : public SessionParticipant {
+ public:
+  QString sessionName() const override { return "MainWindow"; }
+  void saveSession(XMLElement& element) override { element.setAttributeCopy("geometry", geometry.toUtf8().constData()); }
+  void loadSession(const XMLElement& element) override { geometry = QString::fromUtf8(element.getAttribute("geometry")); }
+  QString geometry;
+};
+
+TEST(SessionFile, SavesAndLoadsParticipantsAndOpenFiles) {
+  testing::ScratchFolder folder;
+  const QString base = QString::fromStdString(folder.path().string());
+  Window window;
+  window.geometry = "10,20,800,600";
+  SessionFile session;
+  session.addParticipant(&window);
+  session.openFiles() = {{base + "/src/main.c", "UTF-8"}, {"/elsewhere/x.h", "Latin1"}};
+  ASSERT_TRUE(session.save(base + "/app.lkSession").ok());
+  EXPECT_EQ(folder.read("app.lkSession"),
+            "<?xml  version=\"1.0\" encoding=\"UTF-8\" ?>\n<!DOCTYPE Larkloom_Session_File>\n<session>\n"
+            "  <MainWindow geometry=\"10,20,800,600\" />\n  <Files>\n"
+            "    <File codec=\"UTF-8\" path=\"src/main.c\" />\n    <File codec=\"Latin1\" path=\"/elsewhere/x.h\" />\n"
+            "  </Files>\n</session>\n");
+
+  Window restored;
+  SessionFile reread;
+  reread.addParticipant(&restored);
+  ASSERT_TRUE(reread.load(base + "/app.lkSession").ok());
+  EXPECT_EQ(restored.geometry, "10,20,800,600");
+  EXPECT_EQ(reread.openFiles(), session.openFiles());
+
+  folder.write("other.xml", "<!DOCTYPE Larkloom_Project_File>\n<solution/>\n");
+  EXPECT_FALSE(reread.load(base + "/other.xml").ok());
+  EXPECT_EQ(reread.openFiles(), session.openFiles());
 }
 
 }  // namespace
