@@ -1,4 +1,5 @@
 // Reading text: a file line by line in pieces, and numbers in their written forms.
+//
 // A file written atomically is either complete in the target's place or not there at
 // all: a kill in the middle and an early end keep the old bytes and leave no
 // temporary file behind (a failing write is tried through the converter).

@@ -1,5 +1,6 @@
 // The converter as a user runs it: arguments in, files, stdout, stderr and exit
 // code out. Expected files are written by hand from the format rules.
+//
 // Inputs and surroundings a hostile or unlucky user brings: endless or huge inputs,
 // inputs that ask for billions of elements, names that would break the vector file,
 // outputs that name each other, a full disk, a read-only folder, too little memory.

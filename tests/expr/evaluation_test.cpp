@@ -1,4 +1,5 @@
 // Values, their conversions and equality, and what the parser evaluates a text to.
+//
 // The paths of the tree that only a parser with objects reaches, through a small
 // world of variables that records what the tree asks of it.
 #include <gtest/gtest.h>

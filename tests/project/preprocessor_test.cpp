@@ -1,8 +1,10 @@
 // The node form of the conditional preprocessor: each directive with its scope
 // rules and messages, loops with their values and order, stored fragments, and
 // inclusion of files from a scratch folder.
+//
 // The DOM form of the preprocessor: its reader keeps what Qt 6's own DOM parser
 // drops, its map holds for the whole document, and its own directives.
+//
 // Macro strings and the expander: every reference form, the order of the maps, the
 // date macros at a fixed moment, the re-pass and its end, and path abbreviation.
 #include "project/xml_preprocessor.h"

@@ -1,6 +1,7 @@
 // The register tree the reader writes: texts, sizes, access, reset values, field
 // positions, enumerated values, -ignore-name and -ignore-description; and the
 // reader's number conversions, the interrupt table and the core values.
+//
 // Register arrays, cluster arrays and the placing of clusters into groups; bases of
 // peripherals, registers, fields and value lists: which element a "derivedFrom"
 // finds, and what the derived element takes from it.

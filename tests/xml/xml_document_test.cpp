@@ -1,6 +1,7 @@
 // The parser and the document's load and parse: what tree a text gives, the two
 // errors and their lines, the prolog, and reading files; and the node model it
 // builds: linking and unlinking children, attributes, the helpers over siblings.
+//
 // The writer: prolog, indentation, spreading of long tags, the first-text-child
 // rule, escaping, and save.
 #include "xml/xml_parser.h"
