@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <QElapsedTimer>
-#include <QFile>
 #include <QLockFile>
 
 #include "project/environment.h"
@@ -53,13 +52,6 @@ TEST(SettingsFile, WritesOneLinePerSettingWithItsEntitiesAndReadsItBack) {
 class SettingsStoreFiles : public ::testing::Test {
  protected:
   QString path(const char* name) const { return QString::fromStdString(folder.file(name)); }
-  // Moves the file's time away from what the store remembers, as another process's write would.
-  void touchLater(const char* name) {
-    QFile file(path(name));
-    ASSERT_TRUE(file.open(QIODevice::ReadWrite));
-    ASSERT_TRUE(file.setFileTime(file.fileTime(QFileDevice::FileModificationTime).addSecs(5),
-                                 QFileDevice::FileModificationTime));
-  }
   ScratchFolder folder;
 };
 
@@ -114,14 +106,14 @@ TEST_F(SettingsStoreFiles, SynchronisingMergesOwnChangesOverAnotherWriter) {
   ASSERT_TRUE(store.synchronise());  // no file yet: written
   // Not dirty, file changed: read again.
   folder.write("settings.xml", settingsFileText({{"Mine", "1"}, {"Doomed", "1"}, {"Theirs", "1"}}));
-  touchLater("settings.xml");
+  folder.touchLater("settings.xml");
   ASSERT_TRUE(store.synchronise());
   EXPECT_EQ(store.value("Theirs"), "1");
   // Dirty and changed: their file with our changes applied.
   store.setValue("Mine", "2");
   store.remove("Doomed");
   folder.write("settings.xml", settingsFileText({{"Mine", "1"}, {"Doomed", "1"}, {"Theirs", "2"}, {"New", "x"}}));
-  touchLater("settings.xml");
+  folder.touchLater("settings.xml");
   ASSERT_TRUE(store.synchronise());
   EXPECT_EQ(folder.read("settings.xml"), settingsFileText({{"Mine", "2"}, {"New", "x"}, {"Theirs", "2"}}));
   EXPECT_FALSE(store.isDirty());

@@ -1,7 +1,10 @@
 // Solution files: load failures with their texts, byte-stable saving of realistic
 // solutions (links with macros, nested and dynamic folders, inherited
 // configurations, non-ASCII values), edits recorded and signalled in order, and
-// links that meet.
+// links that meet; session files, whose paths stay relative below their folder; and
+// values resolved over the element tree and the configurations: the element level
+// as the outer loop, non-transitive inheritance, presence over text, the order in
+// which string lists gather, the trace, configuration names and element macros.
 #include <gtest/gtest.h>
 
 #include <QFileInfo>
@@ -10,10 +13,13 @@
 #include <filesystem>
 
 #include "project/macro_expander.h"
+#include "project/project_listing.h"
 #include "project/project_property_value.h"
 #include "project/project_system.h"
+#include "project/session_file.h"
 #include "tests/project/qt_printers.h"
 #include "tests/support/scratch_folder.h"
+#include "xml/xml_string.h"
 
 namespace regmill {
 namespace {
@@ -40,11 +46,7 @@ class SolutionFiles : public ::testing::Test {
       return (file + "|" + error.message + "|" + QString::number(error.line)).toStdString();
     }
   }
-  ProjectElement* child(ProjectElement* parent, const QString& name) {
-    for (ProjectElement* element : parent->childElements())
-      if (!element->is(ProjectElementKind::Configuration) && element->name() == name) return element;
-    return nullptr;
-  }
+  ProjectElement* at(const QString& path) { return findElementByPath(system.root(), path); }
   ScratchFolder folder;
   StandardProjectSystem system;
 };
@@ -53,12 +55,10 @@ TEST_F(SolutionFiles, LoadFailuresCarryTheirTexts) {
   std::filesystem::create_directory(folder.path() / "dir.lkProject");
   struct Case { const char* name; const char* text; const char* failure; };
   const Case cases[] = {
-      {"missing.lkProject", nullptr, "missing.lkProject| does not exist|0"},
       {"dir.lkProject", nullptr, "dir.lkProject| cannot access|0"},
       {"other.lkProject", "<!DOCTYPE Other>\n<solution/>", "other.lkProject| not a solution file|0"},
       {"untyped.lkProject", "<solution/>", "untyped.lkProject| not a solution file|0"},
       {"project.lkProject", DOC "<project/>", "project.lkProject| not a solution file|0"},
-      {"bad.lkProject", DOC "<solution>\n<project>\n</solution>", "bad.lkProject|tagName mismatch|4"},
       {"empty.lkProject", DOC, "empty.lkProject| is a malformed solution file (bad XML)|0"},
       {"self.lkProject", DOC "<solution><import file_name=\"self.lkProject\"/></solution>", "self.lkProject| solution already loaded|0"},
       {"target.lkProject", DOC "<solution target=\"3\"/>", "target.lkProject|invalid solution target (3)|0"},
@@ -153,15 +153,15 @@ class SolutionRoundTrip : public SolutionFiles {
 
 TEST_F(SolutionRoundTrip, SavingAnUnchangedSolutionGivesItsBytesBack) {
   QStringList listed;
-  for (ProjectElement* element : child(child(system.root(), "App"), "Generated")->childElements()) {
+  for (ProjectElement* element : at("App/Generated")->childElements()) {
     listed << element->name();
     for (ProjectElement* inner : element->childElements()) listed << " " + inner->name();
   }
   EXPECT_EQ(listed, (QStringList{"a.c", "deeper", " c.c"}));
-  ProjectElement* lib = child(system.root(), "Lib");
+  ProjectElement* lib = at("Lib");
   ASSERT_TRUE(lib != nullptr && lib->isLink());
   PropertyClass title({.name = "title"});
-  EXPECT_EQ(system.getValue(child(child(system.root(), "App"), "Readme"), &title, "Debug"),
+  EXPECT_EQ(system.getValue(at("App/Readme"), &title, "Debug"),
             QString::fromUtf8("Caf\xC3\xA9 & \"B\xC3\xA4r\""));
   ASSERT_TRUE(system.saveSolutionFile(system.root()));
   ASSERT_TRUE(system.saveSolutionFile(lib));
@@ -171,7 +171,7 @@ TEST_F(SolutionRoundTrip, SavingAnUnchangedSolutionGivesItsBytesBack) {
 
 TEST_F(SolutionRoundTrip, AnEditedPropertyIsSavedAloneAndReadsBack) {
   PropertyClass level({.name = "level"});
-  ProjectElement* mainFile = child(child(child(system.root(), "App"), "Source"), "main.c");
+  ProjectElement* mainFile = at("App/Source/main.c");
   system.setProperty(mainFile, &level, "Debug", "4");
   system.saveAll();
   std::string expected = kMain;
@@ -179,7 +179,7 @@ TEST_F(SolutionRoundTrip, AnEditedPropertyIsSavedAloneAndReadsBack) {
   EXPECT_EQ(folder.read("main.lkProject"), expected);
   EXPECT_EQ(folder.read("lib/core.lkProject"), kLibrary);
   system.loadSolution(main);
-  mainFile = child(child(child(system.root(), "App"), "Source"), "main.c");
+  mainFile = at("App/Source/main.c");
   EXPECT_EQ(system.getValue(mainFile, &level, "Debug"), "4");
   const QString xmllint = QStandardPaths::findExecutable("xmllint");
   if (xmllint.isEmpty()) GTEST_SKIP() << "xmllint is not installed (libxml2-utils); the saved file was not checked by it";
@@ -200,19 +200,19 @@ TEST_F(SolutionRoundTrip, ThePropertyGridGetsFactsAndAValueForEachClassOfTheKind
       shown << value->propertyClass()->name() + "=" + value->propertyValue().section(u'/', -1) + (value->isReadOnly() ? " (fact)" : "");
     return shown;
   };
-  ProjectElement* app = child(system.root(), "App");
+  ProjectElement* app = at("App");
   folder.write("app/main.c", "int main;");
-  EXPECT_EQ(describe(system.propertyList(child(child(app, "Source"), "main.c"), "Debug")),
+  EXPECT_EQ(describe(system.propertyList(at("App/Source/main.c"), "Debug")),
             (QStringList{"full_path=main.c (fact)", "file_name=main.c (fact)", "file_size=9 (fact)",
                          "file_modified=" + QFileInfo(QString::fromStdString(folder.file("app/main.c"))).lastModified().toString(Qt::ISODate) + " (fact)",
                          "level=3"}));
   PropertyValueList projectList = system.propertyList(app, "Debug");
   EXPECT_EQ(describe(projectList), (QStringList{"project_directory_path=app (fact)", "project_directory=app", "level="}));
   EXPECT_NE(dynamic_cast<ProjectDirectoryProjectPropertyValue*>(projectList.at(1)), nullptr);
-  PropertyValueList dynamicList = system.propertyList(child(app, "Generated"), "Debug");
+  PropertyValueList dynamicList = system.propertyList(at("App/Generated"), "Debug");
   EXPECT_EQ(describe(dynamicList), (QStringList{"path=gen", "filter=*.c", "recurse=Yes", "exclude="}));
   dynamicList.at(3)->setPropertyValue("*.h");
-  EXPECT_EQ(child(app, "Generated")->attribute("exclude"), "*.h");
+  EXPECT_EQ(at("App/Generated")->attribute("exclude"), "*.h");
 }
 
 TEST_F(SolutionFiles, OldVersionsLoadAsVersionTwoWithoutAChange) {
@@ -231,10 +231,7 @@ TEST_F(SolutionFiles, OutsideWritesAreNoticedUntilAccepted) {
   const QString path = write("s.lkProject", DOC "<solution Name=\"S\"><project Name=\"P\"/></solution>");
   system.loadSolution(path);
   EXPECT_TRUE(system.externallyChangedSolutions().isEmpty());
-  QFile file(path);
-  ASSERT_TRUE(file.open(QIODevice::ReadWrite));
-  ASSERT_TRUE(file.setFileTime(file.fileTime(QFileDevice::FileModificationTime).addSecs(5), QFileDevice::FileModificationTime));
-  file.close();
+  folder.touchLater("s.lkProject");
   EXPECT_EQ(system.externallyChangedSolutions(), QList<ProjectElement*>{system.root()});
   EXPECT_EQ(system.externalChangeQuestion("Loom"), "The project file been modified externally.\n\nDo you want to re-load the project?");
   system.root()->setAttribute("x", "1");
@@ -254,7 +251,7 @@ TEST_F(SolutionFiles, ChangesAreRecordedSignalledAndForgotten) {
   QObject::connect(&system, &ProjectSystem::configurationsChanged, [&](ProjectElement* s) { events << "configurations " + s->name(); });
   QObject::connect(&system, &ProjectSystem::projectChanged, [&](ProjectElement* p) { events << "project " + p->name(); });
   QObject::connect(&system, &ProjectSystem::fileSaved, [&](const QString& file) { events << "saved " + QFileInfo(file).fileName(); });
-  ProjectElement* project = child(system.root(), "P");
+  ProjectElement* project = at("P");
   PropertyClass x({.name = "x"}), directory({.name = "project_directory"});
   const QDateTime start = QDateTime::currentDateTimeUtc();
   system.setProperty(project, &x, "Debug", "p");
@@ -312,7 +309,7 @@ TEST_F(SolutionFiles, ConfigurationsAreNamedRenamedAndRemovedAcrossTheTree) {
   EXPECT_EQ(solution->configuration("Debug")->attribute("inherited_configurations"), "Shared;X");
   EXPECT_EQ(solution->inherited().value("Debug"), (QStringList{"Shared", "X"}));
   PropertyClass v({.name = "v"});
-  ProjectElement* file = child(child(solution, "P"), "a.c");
+  ProjectElement* file = at("P/a.c");
   EXPECT_EQ(system.getValue(file, &v, "Debug"), "2");
   system.removeConfiguration(solution, "Shared");
   EXPECT_EQ(system.getValue(file, &v, "Debug"), "");
@@ -323,11 +320,11 @@ TEST_F(SolutionFiles, AddedFilesGoToTheFolderThatFiltersTheirExtension) {
   system.loadSolution(write("s.lkProject", DOC "<solution><project Name=\"P\"><folder Name=\"Headers\" filter=\"h;hpp\" />"
                                            "<folder Name=\"Sources\"><configuration Name=\"Common\" filter=\"c,s\" /></folder>"
                                            "</project></solution>"));
-  ProjectElement* project = child(system.root(), "P");
+  ProjectElement* project = at("P");
   EXPECT_EQ(system.addFile(project, "src/Main.C")->parentElement()->name(), "Sources");
   EXPECT_EQ(system.addFile(project, "inc/a.hpp")->parentElement()->name(), "Headers");
   EXPECT_EQ(system.addFile(project, "notes.txt")->parentElement()->name(), "P");
-  EXPECT_EQ(system.addFile(child(project, "Headers"), "x.c")->parentElement()->name(), "Headers");
+  EXPECT_EQ(system.addFile(at("P/Headers"), "x.c")->parentElement()->name(), "Headers");
 }
 
 TEST_F(SolutionFiles, LinkingASolutionMapsItsProjectsAndRefusesALoop) {
@@ -343,6 +340,181 @@ TEST_F(SolutionFiles, LinkingASolutionMapsItsProjectsAndRefusesALoop) {
   system.saveAll();
   EXPECT_EQ(folder.read("top.lkProject"), kHeader + "<solution Name=\"Top\" target=\"8\" version=\"2\">\n  <import file_name=\"" +
                                              folder.file("sub.lkProject") + "\" />\n</solution>\n");
+}
+
+class Window : public SessionParticipant {
+ public:
+  QString sessionName() const override { return "MainWindow"; }
+  void saveSession(XMLElement& element) override { element.setAttributeCopy("geometry", geometry.toUtf8().constData()); }
+  void loadSession(const XMLElement& element) override { geometry = QString::fromUtf8(element.getAttribute("geometry")); }
+  QString geometry;
+};
+
+TEST(SessionFile, SavesAndLoadsParticipantsAndOpenFiles) {
+  testing::ScratchFolder folder;
+  const QString base = QString::fromStdString(folder.path().string());
+  Window window;
+  window.geometry = "10,20,800,600";
+  SessionFile session;
+  session.addParticipant(&window);
+  session.openFiles() = {{base + "/src/main.c", "UTF-8"}, {"/elsewhere/x.h", "Latin1"}};
+  ASSERT_TRUE(session.save(base + "/app.lkSession").ok());
+  EXPECT_EQ(folder.read("app.lkSession"),
+            "<?xml  version=\"1.0\" encoding=\"UTF-8\" ?>\n<!DOCTYPE Larkloom_Session_File>\n<session>\n"
+            "  <MainWindow geometry=\"10,20,800,600\" />\n  <Files>\n"
+            "    <File codec=\"UTF-8\" path=\"src/main.c\" />\n    <File codec=\"Latin1\" path=\"/elsewhere/x.h\" />\n"
+            "  </Files>\n</session>\n");
+
+  Window restored;
+  SessionFile reread;
+  reread.addParticipant(&restored);
+  ASSERT_TRUE(reread.load(base + "/app.lkSession").ok());
+  EXPECT_EQ(restored.geometry, "10,20,800,600");
+  EXPECT_EQ(reread.openFiles(), session.openFiles());
+
+  folder.write("other.xml", "<!DOCTYPE Larkloom_Project_File>\n<solution/>\n");
+  EXPECT_FALSE(reread.load(base + "/other.xml").ok());
+  EXPECT_EQ(reread.openFiles(), session.openFiles());
+}
+
+const char* kSolution = R"(<!DOCTYPE Larkloom_Project_File>
+<solution Name="S">
+  <configuration Name="Common" defines="sol_common" />
+  <configuration Name="Debug" defines="sol_debug" inherited_configurations="Base" />
+  <configuration Name="Base" hidden="Yes" inherited_configurations="Root" />
+  <configuration Name="Root" hidden="Yes" only_root="root" />
+  <configuration Name="Release" />
+  <project Name="App">
+    <configuration Name="Common" level="p_common" blocked="project" project_directory="app" />
+    <configuration Name="Debug" level="p_debug" />
+    <folder Name="Source">
+      <file file_name="main.c">
+        <configuration Name="Debug" level="f_debug" />
+        <configuration Name="Common" level="f_common" defines="file_common" blocked="" />
+      </file>
+      <file file_name="only_common.c"><configuration Name="Common" level="fc" /></file>
+      <file file_name="in_base.c"><configuration Name="Base" level="from_base" /></file>
+      <folder Name="Deep"><file file_name="sub/plain.c" /></folder>
+    </folder>
+  </project>
+</solution>
+)";
+
+class ValueResolution : public SolutionFiles {
+ protected:
+  void SetUp() override { system.loadSolution(write("s.lkProject", kSolution)); }
+};
+
+TEST_F(ValueResolution, ElementLevelIsTheOuterLoopAndInheritanceIsNotTransitive) {
+  PropertyClass level({.name = "level", .defaultValue = "dflt"});
+  PropertyClass onlyRoot({.name = "only_root", .defaultValue = "dflt"});
+  PropertyClass blocked({.name = "blocked", .defaultValue = "dflt"});
+  PropertyClass shared({.name = "level", .perConfiguration = false});
+  struct Case { const char* element; const PropertyClass* c; const char* configuration; const char* value; };
+  const Case cases[] = {
+      {"App/Source/main.c", &level, "Debug", "f_debug"},
+      {"App/Source/only_common.c", &level, "Debug", "fc"},       // the file's Common beats the project's Debug
+      {"App/Source/in_base.c", &level, "Debug", "from_base"},    // Debug inherits Base
+      {"App/Source/Deep/plain.c", &level, "Debug", "p_debug"},
+      {"App/Source/Deep/plain.c", &level, "Release", "p_common"},
+      {"App/Source/Deep/plain.c", &level, "Other", "p_common"},
+      {"App/Source/main.c", &level, "Common", "f_common"},
+      {"App/Source/in_base.c", &level, "Common", "p_common"},     // Common alone looks at nothing inherited
+      {"App/Source/Deep/plain.c", &onlyRoot, "Debug", "dflt"},         // Base inherits Root, but Debug only names Base
+      {"App/Source/Deep/plain.c", &onlyRoot, "Base", "root"},
+      {"App/Source/main.c", &blocked, "Debug", ""},               // an empty attribute is a value
+      {"App/Source/Deep/plain.c", &blocked, "Debug", "project"},
+      {"App/Source/main.c", &shared, "Debug", "f_common"},        // not per configuration: always Common
+      {".", &level, "Debug", "dflt"},
+  };
+  for (const Case& c : cases) {
+    ProjectElement* element = at(c.element);
+    ASSERT_NE(element, nullptr) << c.element;
+    EXPECT_EQ(system.getValue(element, c.c, c.configuration), c.value) << c.element << " " << c.configuration;
+  }
+  EXPECT_TRUE(system.getLocalValue(at("App/Source/Deep/plain.c"), &level, "Debug").isNull());
+  EXPECT_EQ(system.getLocalValue(at("App/Source/main.c"), &blocked, "Debug"), "");  // Common is not Debug
+}
+
+TEST_F(ValueResolution, StringListsGatherOutermostFirstWithATrace) {
+  PropertyClass defines({.name = "defines", .type = PropertyType::StringList});
+  std::vector<TraceEntry> trace;
+  EXPECT_EQ(system.getValue(at("App/Source/main.c"), &defines, "Debug", &trace), "sol_common;sol_debug;file_common");
+  QStringList where;
+  for (const TraceEntry& entry : trace) where << entry.element->name() + "/" + entry.name + "=" + entry.text;
+  EXPECT_EQ(where, (QStringList{"main.c/Common=file_common", "S/Debug=sol_debug", "S/Common=sol_common"}));
+  EXPECT_EQ(system.getValue(at("App/Source/Deep/plain.c"), &defines, "Release"), "sol_common");
+  trace.clear();
+  PropertyClass missing({.name = "missing", .defaultValue = "d"});
+  EXPECT_EQ(system.getValue(at("App/Source/Deep/plain.c"), &missing, "Debug", &trace), "d");
+  EXPECT_TRUE(trace.size() == 1 && trace[0].element == nullptr);
+  EXPECT_EQ(system.getList(at("App/Source/main.c"), &defines, "Debug", true, false, true, "-D"),
+            (QStringList{"-D\"sol_common\"", "-D\"sol_debug\"", "-D\"file_common\""}));
+}
+
+TEST_F(ValueResolution, ConfigurationNamesBySelection) {
+  EXPECT_EQ(system.configurationNames(nullptr, 1 | 2 | 4), (QStringList{"Base", "Common", "Debug", "Release", "Root"}));
+  EXPECT_EQ(system.configurationNames(at("App/Source/main.c"), 4), (QStringList{"Debug", "Release"}));
+  EXPECT_EQ(system.configurationNames(at("App/Source/main.c"), 2), (QStringList{"Base", "Root"}));
+  EXPECT_EQ(system.configurationNames(nullptr, 0), (QStringList{"Common"}));
+}
+
+TEST_F(ValueResolution, ElementMacrosDescribeWhereTheElementIs) {
+  const QString dir = QString::fromStdString(folder.path().string());
+  const MacroMap macros = system.getMacros(at("App/Source/Deep/plain.c"), "Debug");
+  const QStringList expected{
+      "Configuration=Debug", "ElementName=plain.c", "FolderName=Deep", "FolderPath=Source/Deep",
+      "InputDir=sub", "InputExt=c", "InputFileName=plain.c", "InputName=plain", "InputPath=" + dir + "/app/sub/plain.c",
+      "ObjDir=.", "OutDir=.", "IntDir=", "PackageExtension=lkPackage", "ProjectDir=" + dir + "/app",
+      "ProjectName=App", "RelInputDir=sub", "RelInputPath=sub/plain.c", "SolutionDir=" + dir,
+      "SolutionExt=lkProject", "SolutionFileName=s.lkProject", "SolutionName=s",
+      "SolutionPath=" + dir + "/s.lkProject", "TargetName=ARM"};
+  for (const QString& entry : expected) {
+    const QString name = entry.section(u'=', 0, 0);
+    EXPECT_EQ(name + "=" + macros.value(name, "<none>"), entry);
+  }
+  EXPECT_EQ(system.expandFor(at("App/Source/main.c"), "$(ProjectName)/$(InputName).o $$(x)", "Debug"), "App/main.o $(x)");
+  EXPECT_EQ(system.absolutePath(at("App/Source/main.c"), "Debug"), dir + "/app/main.c");
+}
+
+// A class whose writes also set a second class, as an option that implies another.
+class ImplyingClass : public PropertyClass {
+ public:
+  ImplyingClass(const PropertyClass* implied) : PropertyClass({.name = "optimize", .linkedClass = implied}) {}
+  bool linkedValue(const QString& value, QString& out) const override {
+    out = value == "speed" ? "-O3" : "-O0";
+    return true;
+  }
+};
+
+TEST_F(ValueResolution, ProjectValuesReadResolvedAndWriteThroughTheSystem) {
+  PropertyClass level({.name = "level"});
+  PropertyClass defines({.name = "defines", .type = PropertyType::StringList});
+  PropertyClass shared({.name = "level", .perConfiguration = false});
+  ProjectPropertyValue fileLevel(system, &level, at("App/Source/main.c"), "Release");
+  EXPECT_EQ(fileLevel.propertyValue(), "f_common");
+  EXPECT_TRUE(fileLevel.isDefault());  // main.c has no Release configuration
+  EXPECT_FALSE(ProjectPropertyValue(system, &level, at("App/Source/main.c"), "Debug").isDefault());
+  EXPECT_EQ(ProjectPropertyValue(system, &shared, at("App/Source/main.c"), "Debug").configuration(), "Common");
+  // A list shows only its own setting: what is gathered from above is not its to edit.
+  EXPECT_EQ(ProjectPropertyValue(system, &defines, at("App/Source/main.c"), "Common").propertyValue(), "file_common");
+  EXPECT_TRUE(ProjectPropertyValue(system, &defines, at("App/Source/main.c"), "Debug").propertyValue().isNull());
+
+  PropertyClass flags({.name = "flags"});
+  ImplyingClass optimize(&flags);
+  ProjectPropertyValue(system, &optimize, at("App/Source/Deep/plain.c"), "Release").setPropertyValue("speed");
+  EXPECT_EQ(system.getLocalValue(at("App/Source/Deep/plain.c"), &flags, "Release"), "-O3");
+  EXPECT_EQ(system.changeRecords().size(), 2);
+
+  QStringList changed;
+  QObject::connect(&system, &ProjectSystem::projectChanged, [&](ProjectElement* p) { changed << p->name(); });
+  PropertyClass directory({.name = "project_directory"}), include({.name = "include_directory"});
+  ProjectDirectoryProjectPropertyValue(system, &directory, at("App"), "Common").setPropertyValue("elsewhere");
+  ProjectDirectoryProjectPropertyValue(system, &include, at("App"), "Common").setPropertyValue("inc");
+  ProjectMacrosProjectPropertyValue(system, &level, at("App/Source/main.c"), "Common").setPropertyValue("x");
+  EXPECT_EQ(changed, (QStringList{"App", "App", "App"}));  // once for each write
+  EXPECT_EQ(system.absolutePath(at("App/Source/main.c"), "Debug"),
+            QString::fromStdString(folder.path().string()) + "/elsewhere/main.c");
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include "tests/support/scratch_folder.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
@@ -39,10 +40,21 @@ size_t ScratchFolder::entryCount() const {
   return count;
 }
 
+void ScratchFolder::touchLater(const std::string& name) const {
+  std::filesystem::last_write_time(file(name), std::filesystem::last_write_time(file(name)) + std::chrono::seconds(5));
+}
+
 std::string readFile(const std::filesystem::path& path) {
   std::ostringstream contents;
   contents << std::ifstream(path, std::ios::binary).rdbuf();
   return contents.str();
+}
+
+std::string repeated(const std::string& text, size_t count) {
+  std::string all;
+  all.reserve(text.size() * count);
+  while (count-- > 0) all += text;
+  return all;
 }
 
 std::string writtenText(XMLDocument& document, unsigned indentation, unsigned maxLineLength) {

@@ -25,12 +25,15 @@ class ScratchFolder {
   std::string read(const std::string& name) const;
   bool exists(const std::string& name) const;
   size_t entryCount() const;  // files and folders in it
+  // Moves the file's modification time 5 s on, as another process's later write would.
+  void touchLater(const std::string& name) const;
 
  private:
   std::filesystem::path path_;
 };
 
 std::string readFile(const std::filesystem::path& path);
+std::string repeated(const std::string& text, size_t count);  // the text `count` times over
 
 // The document as the writer prints it; indentation 2 and no line limit by default.
 std::string writtenText(XMLDocument& document, unsigned indentation = 2, unsigned maxLineLength = 0);

@@ -1,13 +1,25 @@
 // The node form of the conditional preprocessor: each directive with its scope
 // rules and messages, loops with their values and order, stored fragments, and
 // inclusion of files from a scratch folder.
+//
+// The DOM form of the preprocessor: its reader keeps what Qt 6's own DOM parser
+// drops, its map holds for the whole document, and its own directives.
+//
+// Macro strings and the expander: every reference form, the order of the maps, the
+// date macros at a fixed moment, the re-pass and its end, and path abbreviation.
 #include "project/xml_preprocessor.h"
 
 #include <gtest/gtest.h>
 
+#include <QDir>
+#include <QTimeZone>
 #include <filesystem>
 #include <string>
 
+#include "project/dom_preprocessor.h"
+#include "project/macro_expander.h"
+#include "tests/project/captured_log.h"
+#include "tests/project/qt_printers.h"
 #include "tests/support/scratch_folder.h"
 #include "tests/support/tree_dump.h"
 
@@ -212,6 +224,208 @@ TEST_F(XmlPreprocessorInclude, FailuresLeaveTheIncludeInPlaceWithTheirMessages) 
   EXPECT_EQ(run("<r><include/></r>"), "(r (include)) | XmlPP::processConditionals(): missing filename in <include>");
   const std::string cycle = run("<r><include filename=\"self.xml\"/></r>");
   EXPECT_NE(cycle.find("includes nested deeper than 16 levels at include file " + dir + "/self.xml"), std::string::npos);
+}
+
+// The document as one line of XML.
+QString flat(const QDomDocument& document) { return document.toString(-1).trimmed(); }
+
+TEST(DomReader, KeepsWhiteSpaceTextThatQtsParserDrops) {
+  const QByteArray text = "<a> <b x=\"1\"/>\n<c>t</c></a>";
+  QDomDocument ours;
+  QString error;
+  int line = 0, column = 0;
+  ASSERT_TRUE(readDomDocument(text, ours, error, line, column));
+  EXPECT_EQ(flat(ours), "<a> <b x=\"1\"/>\n<c>t</c></a>");
+  EXPECT_FALSE(readDomDocument("<a>\n<b></a>", ours, error, line, column));
+  EXPECT_EQ(line, 2);
+  EXPECT_FALSE(readDomDocument(QByteArray::fromStdString(testing::repeated("<d>", 2000)), ours, error, line, column));
+  EXPECT_EQ(error, "elements nested deeper than 1024 levels");
+}
+
+class DomPreprocessor : public ::testing::Test {
+ protected:
+  // The file preprocessed with the extra macros, as one line; the log in `messages`.
+  QString run(const std::string& text, const QString& macroString = QString()) {
+    XmlPP pp;
+    if (!pp.load(QString::fromStdString(folder.write("page.xml", text)), macroString)) return "<failed>";
+    messages = log.take();
+    return flat(pp.document());
+  }
+  testing::ScratchFolder folder;
+  testing::CapturedLog log;
+  std::string messages;
+};
+
+TEST_F(DomPreprocessor, DefinitionsHoldForTheRestOfTheDocument) {
+  EXPECT_EQ(run("<r><if build=\"RELEASE\"><define_macro name=\"x\" value=\"1\"/></if>"
+                "<ifdef name=\"x\"><seen/></ifdef><p><define name=\"y\" value=\"2\"/></p><ifdef name=\"y\"><also/></ifdef></r>"),
+            "<r><seen/><p/><also/></r>");
+  EXPECT_EQ(run("<r><define_macro name=\"x\"/><ifdef name=\"x\"><no/></ifdef></r>"), "<r/>");
+  EXPECT_EQ(messages, "warning: XmlPP::processConditionals(): missing name and/or value in <define_macro>\n");
+  EXPECT_EQ(run("<r><switch name=\"m\"><case value=\"a\"><one/></case><default><d/></default></switch></r>", "m=a"),
+            "<r><one/></r>");
+  EXPECT_EQ(run("<r><if><ifdef name=\"ide\"><x/></ifdef></if></r>"), "<r><if><x/></if></r>");
+  EXPECT_EQ(messages, "warning: XmlPP::processConditionals(): one condition required for <if[not]>\n");
+}
+
+TEST_F(DomPreprocessor, ExpandsDefinitionsAndChosenAttributes) {
+  EXPECT_EQ(run("<r><expand_definition name=\"t\" lowercase=\"\" underscore_spaces=\"\"/>|"
+                "<expand_definition name=\"none\" default=\"fallback\"/>|<expand_definition name=\"none\"/>|"
+                "<expand_definition name=\"ide\"/></r>", "t=Hello Big World"),
+            "<r>hello_big_world|fallback||loom</r>");
+  XmlPP pp;
+  ASSERT_TRUE(pp.load(QString::fromStdString(folder.write(
+                          "a.xml", "<r><a expand_attributes=\"href,,title\" href=\"$(base)/x\" title=\"$(base)\" alt=\"$(base)\"/></r>")),
+                      "base=doc"));
+  const QDomElement a = pp.document().documentElement().firstChildElement();
+  // The DOM keeps attributes in no fixed order, so they are looked at one by one.
+  EXPECT_EQ(a.attribute("href") + " " + a.attribute("title") + " " + a.attribute("alt"), "doc/x doc $(base)");
+  EXPECT_FALSE(a.hasAttribute("expand_attributes"));
+}
+
+TEST_F(DomPreprocessor, IncludesFilesAndTextAndPagesKnowTheirOutput) {
+  folder.write("part.xml", "<envelope><p k=\"$(k)\"/><define_macro name=\"fromPart\" value=\"1\"/></envelope>");
+  folder.write("notes.txt", "a < b\n");
+  EXPECT_EQ(run("<r><include filename=\"part.xml\" expand_macros=\"\" macros=\"k=inner\"/>"
+                "<ifdef name=\"fromPart\"><defined/></ifdef><ifdef name=\"k\"><leaked/></ifdef>"
+                "<include filename=\"notes.txt\" type=\"text\" tag=\"code\" class=\"c\" id=\"\"/>"
+                "<include filename=\"notes.txt\" type=\"text\"/></r>"),
+            "<r><p k=\"inner\"/><defined/><code class=\"c\">a &lt; b\n</code><pre>a &lt; b\n</pre></r>");
+  const std::string missing = folder.file("missing.xml");
+  EXPECT_EQ(run("<r><include filename=\"missing.xml\"><if build=\"RELEASE\"><kept/></if></include></r>"),
+            "<r><include filename=\"missing.xml\"><kept/></include></r>");
+  EXPECT_EQ(messages, "error: XmlPP::processConditionals could not open include file " + missing + "\n");
+  folder.write("bad.xml", "<a>\n<b></a>");
+  EXPECT_EQ(run("<r><include filename=\"bad.xml\"/></r>"), "<r><include filename=\"bad.xml\"/></r>");
+  EXPECT_EQ(messages.rfind("error: XmlPP: error reading XML - ", 0), 0u) << messages;
+  EXPECT_NE(messages.find(" on line 2 column "), std::string::npos) << messages;
+  // A page knows whether it is printed or shown.
+  const QString path = QString::fromStdString(
+      folder.write("page.xml", "<r><if output=\"print\"><printed/></if><if output=\"html\"><shown/></if></r>"));
+  EXPECT_EQ(flat(XmlPP::forPage(path, 1)->document()), "<r><printed/></r>");
+  EXPECT_EQ(flat(XmlPP::forPage(path, 2)->document()), "<r><shown/></r>");
+}
+
+TEST(MacroString, SplitsOnUnescapedSemicolonsAndKeepsEmptyEntriesOnlyWhenAsked) {
+  struct Case { const char* text; bool keepEmpty; QStringList entries; };
+  const Case cases[] = {
+      {"a;b;;c", false, {"a", "b", "c"}},
+      {"a;b;;c", true, {"a", "b", "", "c"}},
+      {";", true, {"", ""}},
+      {"", false, {}},
+      {"a\\;b;c", false, {"a;b", "c"}},
+      {"a\\\\;b", false, {"a\\", "b"}},   // an escaped backslash does not escape the ";"
+      {"path\\", false, {"path\\"}},       // a backslash at the very end stays
+      {"\\x\\=y", false, {"x=y"}},
+  };
+  for (const Case& c : cases) EXPECT_EQ(splitMacroString(c.text, c.keepEmpty), c.entries) << c.text;
+}
+
+TEST(MacroString, MapsReadWithTheFirstEqualsSignAndTheLastEntryWinningAndWriteBackTheSame) {
+  EXPECT_EQ(parseMacroString("A=1;B;C=x=y;A=2;D=a\\;b"), (MacroMap{{"A", "2"}, {"B", ""}, {"C", "x=y"}, {"D", "a;b"}}));
+  MacroMap map{{" Spaced ", "v"}, {"Semi", "a;b\\c"}, {"Empty", ""}};
+  const QString text = macroStringFromMap(map);
+  EXPECT_EQ(text, "Spaced=v;Empty=;Semi=a\\;b\\\\c");
+  EXPECT_EQ(parseMacroString(text), (MacroMap{{"Spaced", "v"}, {"Semi", "a;b\\c"}, {"Empty", ""}}));
+  EXPECT_EQ(splitMacroString(joinMacroString({"x;y", "z\\"})), (QStringList{"x;y", "z\\"}));
+}
+
+class MacroExpansion : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    expander.systemMacros().insert("Sys", "system");
+    expander.systemMacros().insert("Hidden", "from system");
+    expander.globalMacros().insert("Hidden", "from global");
+    expander.globalMacros().insert("Glob", "global");
+    // 5 March 2024, 07:08:09 UTC
+    expander.setClock([] { return QDateTime(QDate(2024, 3, 5), QTime(7, 8, 9), Qt::UTC); });
+  }
+  QString expand(const QString& text, const MacroMap& map = {}) const { return expander.expand(map, text, true, true); }
+  MacroExpander expander;
+};
+
+TEST_F(MacroExpansion, ReferenceForms) {
+  const MacroMap map{{"A", "alpha"}, {"Empty", ""}, {"B", "$(A)"}, {"Dollar", "$$"}};
+  struct Case { const char* text; const char* expanded; };
+  const Case cases[] = {
+      {"x$(A)y", "xalphay"},
+      {"$(Empty)|", "|"},                      // a macro that is there but empty
+      {"$(Nope)", "$(Nope)"},                  // unknown macros stay
+      {"$(Nope:fallback)", "fallback"},
+      {"$(Nope:)", ""},
+      {"$(A:fallback)", "alpha"},
+      {"$(Nope::$(A))", "$(A)"},               // a literal default gets no second pass
+      {"$(Nope:$(A))", "alpha"},               // a default that holds a macro gets one
+      {"$(Nope:$(Also:$(A)))", "alpha"},
+      {"$$(A)", "$(A)"},                       // "$$" gives "$" and the rest is plain text
+      {"$$", "$"},
+      {"cost $5", "cost $5"},
+      {"end$", "end$"},
+      {"$(A", "(A"},                           // no ")": the "$" is dropped
+      {"$(A(1))", "$(A(1))"},                  // parentheses nest: the name is "A(1)"
+      {"$(Nope:(x)y)", "(x)y"},
+      {"$(B)", "$(A)"},                        // a value is not expanded again...
+      {"$(Nope:$(B))", "$(A)"},                // a default's pass expands it once
+      {"$(Dollar)", "$$"},
+  };
+  for (const Case& c : cases) EXPECT_EQ(expand(c.text, map), c.expanded) << c.text;
+}
+
+TEST_F(MacroExpansion, LooksInTheGivenMapThenGlobalThenSystem) {
+  const MacroMap map{{"Sys", "local"}};
+  EXPECT_EQ(expand("$(Sys) $(Hidden) $(Glob)", map), "local from global global");
+  EXPECT_EQ(expander.expand({}, "$(Sys) $(Hidden) $(Glob)", false, true), "system from system $(Glob)");
+  EXPECT_EQ(expander.expand({}, "$(Sys) $(Hidden) $(Glob)", false, false), "$(Sys) $(Hidden) $(Glob)");
+  EXPECT_EQ(expander.expandSystem("$(Glob:none)"), "none");
+  EXPECT_EQ(expander.macroValue("Hidden"), "from global");
+  EXPECT_TRUE(expander.macroValue("Nope").isNull());
+}
+
+TEST_F(MacroExpansion, DateMacrosAreComputedAtTheMomentWhateverTheMapHolds) {
+  const QDateTime moment = QDateTime(QDate(2024, 3, 5), QTime(7, 8, 9), Qt::UTC);
+  expander.setClock([&] { return moment.toLocalTime(); });
+  const QDateTime local = moment.toLocalTime();
+  const QString expected = QString("%1 %2 %3|%4|%5").arg(local.date().day()).arg("March").arg(2024)
+                               .arg(QString::number(moment.toSecsSinceEpoch()))
+                               .arg(local.toString("yyyy-MM-dd hh:mm:ss"));
+  EXPECT_EQ(expand("$(Date)|$(UnixTime)|$(DateYear)-$(DateMonth)-$(DateDay) $(Time)", {{"Date", "stale"}}),
+            expected);
+  EXPECT_EQ(expand("$(TimeHour)$(TimeMinute)$(TimeSecond)"), local.toString("hhmmss"));
+  // Without the system maps a date macro is only found in the given map.
+  EXPECT_EQ(expander.expand({}, "$(Date)", false, false), "$(Date)");
+}
+
+TEST_F(MacroExpansion, RepeatedPassesEndAtAFixedPointOrABound) {
+  // The name part holds a macro that nothing defines: the text never changes.
+  EXPECT_EQ(expand("$(X$(Y))"), "$(X$(Y))");
+  // Two macros that name each other through defaults change the text for ever.
+  const MacroMap pingPong{{"P", "$(Q:$(z))"}, {"Q", "$(P:$(z))"}};
+  const QString result = expand("$(P:$(z))", pingPong);
+  EXPECT_TRUE(result == "$(P:$(z))" || result == "$(Q:$(z))") << result.toStdString();
+  // A value that doubles itself on each pass stops at the size bound.
+  const MacroMap doubling{{"D", "$(D:$(z))$(D:$(z))"}};
+  EXPECT_LE(expand("$(D:$(z))", doubling).size(), qsizetype{1} << 19);
+}
+
+TEST_F(MacroExpansion, AbbreviatesPathsBelowAMacroDirectory) {
+  const QString root = QDir::cleanPath(QDir::tempPath() + "/loom-root");
+  expander.globalMacros().insert("Root", root);
+  struct Case { QString path; bool isFile; bool abbreviated; QString result; };
+  const Case cases[] = {
+      {root + "/lib/x", false, true, "$(Root)/lib/x"},
+      {root, false, true, "$(Root)"},
+      {root + "/lib/a.c", true, true, "$(Root)/lib/a.c"},
+      {root + "/a.c", true, true, "$(Root)/a.c"},
+      {root + "-other/x", false, false, root + "-other/x"},
+      {"/elsewhere/x", false, false, "/elsewhere/x"},
+  };
+  for (const Case& c : cases) {
+    QString path = c.path;
+    EXPECT_EQ(expander.abbreviatePath("Root", path, c.isFile), c.abbreviated) << c.path.toStdString();
+    EXPECT_EQ(path, c.result);
+  }
+  QString path = root;
+  EXPECT_FALSE(expander.abbreviatePath("Unknown", path));
 }
 
 }  // namespace
