@@ -113,7 +113,9 @@ TEST(AtomicFile, AFailedOrKilledWriteKeepsTheTargetAndLeavesNoTemporaryFile) {
     chmod(target.c_str(), 0640);
     int status = inChild([&] { return c.write(target); });
     EXPECT_EQ(WIFSIGNALED(status), c.killed);
-    if (!c.killed) EXPECT_EQ(WEXITSTATUS(status), 0);
+    if (!c.killed) {
+      EXPECT_EQ(WEXITSTATUS(status), 0);
+    }
     EXPECT_EQ(folder.read("out.xml"), "precious");
     EXPECT_EQ(folder.entryCount(), 1u);
   }

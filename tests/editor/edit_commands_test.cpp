@@ -458,11 +458,15 @@ TEST(EditCommandsProperty, UndoAllAndRedoAllOverRandomCommandSequences) {
     changedRounds += final != text;
     bench.editor.undoAll();
     ASSERT_EQ(bench.editor.text(), text) << round;
-    if (caretBefore) EXPECT_EQ(bench.editor.caret(), *caretBefore) << round;
+    if (caretBefore) {
+      EXPECT_EQ(bench.editor.caret(), *caretBefore) << round;
+    }
     bench.editor.redoAll();
     ASSERT_EQ(bench.editor.text(), final) << round;
     EXPECT_TRUE(bench.editor.statusMessage().startsWith("Redone "));
-    if (caretBefore) EXPECT_EQ(bench.editor.caret(), caretAfter);
+    if (caretBefore) {
+      EXPECT_EQ(bench.editor.caret(), caretAfter);
+    }
     if (bench.editor.canUndo()) {
       bench.editor.undo();
       bench.commands.typeText("!");

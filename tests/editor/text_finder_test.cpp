@@ -108,7 +108,9 @@ TEST(TextFinder, ReplaceAllGoesOnBehindTheNewTextAndUndoesInOneStep) {
     CommandBench bench(row.before);
     EXPECT_EQ(bench.commands.finder().replaceAll(row.parameters, false), row.count) << row.before;
     EXPECT_EQ(bench.editor.text(), row.after);
-    if (row.status) EXPECT_EQ(bench.editor.statusMessage(), row.status);
+    if (row.status) {
+      EXPECT_EQ(bench.editor.statusMessage(), row.status);
+    }
     bench.editor.undo();
     EXPECT_EQ(bench.editor.text(), row.before);
   }
