@@ -19,26 +19,19 @@ using testing::expectAll;
 TEST(ESNative, PadsArgumentsToTheDeclaredLength) {
   expectAll({
       {"[1, 2].join()", "string 1,2"},          // the padded separator is undefined
-      {"isNaN()", "boolean true"},
-      {"Boolean()", "boolean false"},
-      {"Number()", "number 0"},                 // declared with length 0: it counts
+      {"isNaN() + ' ' + Boolean() + ' ' + Number()", "string true false 0"},  // Number() pads nothing
       {"Number(undefined)", "number NaN"},
       {"Function()()", "undefined"},            // the padded body is the text "undefined"
-      {"[1, 2, 3].slice(1).join()", "string 2,3"},
       {"parseInt.length + Math.atan2.length + Math.max.length + [].slice.length", "number 6"},
   });
 }
 
 TEST(ESNative, JoinsAndConvertsArrays) {
   expectAll({
-      {"[1, null, 3].join()", "string 1,3"},
-      {"[null, 1].join()", "string ,1"},
-      {"[1, undefined, 3].join('-')", "string 1-3"},
-      {"[].join()", "string "},
+      {"[1, null, 3].join() + '|' + [1, undefined, 3].join('-') + '|' + [].join()", "string 1,3|1-3|"},
       {"[1, null, undefined, 2].toString()", "string 1,,undefined,2"},
       {"[1, [2, 3]].join(';')", "string 1;2,3"},
       {"[1, 2].concat([3, undefined], 4).join()", "string 1,2,3,4"},
-      {"[1, 2].concat([3, undefined], 4).length", "number 4"},
       {"[1].concat(undefined).length", "number 2"},  // only an array loses its undefined elements
       {"var o = {}; o.f = [].toString; o.f()", "TypeError: Array.prototype.toString requires an array @ 1"},
       {"var o = {}; o.f = [].toLocaleString; o.f()", "TypeError: Array.prototype.toString requires an array @ 1"},
@@ -48,11 +41,10 @@ TEST(ESNative, JoinsAndConvertsArrays) {
 TEST(ESNative, KeepsTheArrayLength) {
   expectAll({
       {"var a = [1, 2, 3]; a.length = 1; a.length + ' ' + a[2]", "string 1 3"},  // elements stay
-      {"var a = []; a[5] = 1; a.length", "number 6"},
-      {"var a = []; a['05'] = 1; a.length", "number 0"},
+      {"var a = []; a[5] = 1; var b = []; b['05'] = 1; a.length + ' ' + b.length", "string 6 0"},
       {"var a = []; a.length = '3'; typeof a.length + a.length", "string number3"},
-      {"var a = []; a[2147483646] = 1; a.length", "number 2147483647"},
-      {"var a = []; a[2147483647] = 1; a.length", "number 0"},
+      {"var a = []; a[2147483646] = 1; var b = []; b[2147483647] = 1; a.length + ' ' + b.length",
+       "string 2147483647 0"},
       // `new` takes the whole member chain after it, so the new object is put in parentheses.
       {"(new Array(3)).length + ' ' + Array(1, 2).length + ' ' + Array('3').length", "string 3 2 1"},
       {"(new Array(4294967295)).length", "number 4294967295"},
@@ -60,12 +52,10 @@ TEST(ESNative, KeepsTheArrayLength) {
       {"Array(-1)", "RangeError: bad length in array constructor @ 1"},
       {"var a = [1, 2]; a.push(3, 4) + ' ' + a.pop() + ' ' + a.shift() + ' ' + a.join()", "string 4 4 1 2,3"},
       {"var a = []; typeof a.pop() + typeof a.shift() + a.length", "string undefinedundefined0"},
-      {"[1, 2, 3].reverse().join()", "string 3,2,1"},
-      {"var a = [undefined, 1]; a.reverse(); a.hasOwnProperty(1) + ' ' + a[0]", "string false 1"},
-      {"[1, 2, 3, 4].slice(1, 3).join()", "string 2,3"},
-      {"[1, 2, 3, 4].slice(-2).join()", "string 3,4"},
-      {"[1, 2, 3].slice(-9, 9).join()", "string 1,2,3"},
-      {"[1, 2, 3].slice(2, 1).length", "number 0"},
+      {"var a = [undefined, 1]; a.reverse(); [1, 2, 3].reverse() + ' ' + a.hasOwnProperty(1) + ' ' + a[0]",
+       "string 3,2,1 false 1"},
+      {"var a = [1, 2, 3, 4]; a.slice(1, 3) + ' ' + a.slice(-2) + ' ' + a.slice(-9, 9) + ' ' + a.slice(2, 1).length",
+       "string 2,3 3,4 1,2,3,4 0"},
       {"var a = [1, 2, 3]; delete a[2]; a.slice(0).length", "number 2"},  // only existing elements
       // Native walks cannot be stopped by a step budget, so they are bounded.
       {"Array(4294967295).join()", "RangeError: array too long for Array.prototype.join @ 1"},
@@ -78,15 +68,14 @@ TEST(ESNative, KeepsTheArrayLength) {
 
 TEST(ESNative, SortsWithTheShellSort) {
   expectAll({
-      {"[3, 1, 2].sort().join()", "string 1,2,3"},
       {"[10, 9, 1].sort().join()", "string 1,10,9"},  // by text
       {"var a = [3, undefined, 1, 2]; a.sort(); a.join() + ' ' + a.length + ' ' + a.hasOwnProperty(3)",
        "string 1,2,3 4 false"},
       {"[undefined, 'b', undefined, 'a'].sort().join()", "string a,b"},
       {"[10, 9, 1, 100].sort(function (a, b) { return a - b; }).join()", "string 1,9,10,100"},
-      {"var a = [2, 1]; var t; a.sort(function (x, y) { t = this; return x - y; }); t == a", "boolean true"},
+      {"var a = [2, 1]; var t; (a.sort(function (x, y) { t = this; return x - y; }) == a) + ' ' + (t == a)",
+       "string true true"},
       {"[5].sort(5).length", "Error: Array.prototype.sort argument is not a function @ 1"},
-      {"var a = [2, 1]; a.sort() == a", "boolean true"},
       // Many elements pass through every gap: the result is ordered and keeps the sum.
       {"var a = []; var sum = 0; for (var i = 0; i < 500; i++) { a[i] = (i * 7919) % 1009; sum += a[i]; }"
        "a.sort(function (x, y) { return x - y; }); var ok = a.length == 500;"
@@ -98,11 +87,10 @@ TEST(ESNative, SortsWithTheShellSort) {
 
 TEST(ESNative, ConvertsAndFormatsNumbers) {
   expectAll({
-      {"(1.005).toFixed(2)", "string 1.00"},  // the double just below 1.005
-      {"(2.5).toFixed() + ' ' + (0.125).toFixed(2)", "string 2 0.12"},  // C rounds a tie to even
-      {"(-1.5).toFixed(0)", "string -2"},
-      {"(1).toFixed(20)", "string 1.00000000000000000000"},
-      {"(1e21).toFixed(2)", "string 1000000000000000000000.00"},
+      // 1.005 is the double just below it, and C rounds a tie to even.
+      {"(1.005).toFixed(2) + ' ' + (2.5).toFixed() + ' ' + (0.125).toFixed(2) + ' ' + (-1.5).toFixed(0)",
+       "string 1.00 2 0.12 -2"},
+      {"(1).toFixed(20) + ' ' + (1e21).toFixed(2)", "string 1.00000000000000000000 1000000000000000000000.00"},
       {"(1).toFixed(21)", "RangeError: fraction digits should 0 through 20 @ 1"},
       {"(1).toFixed(-1)", "RangeError: fraction digits should 0 through 20 @ 1"},
       // Any receiver: a plain object's value is undefined, NaN, which prints as C prints it.
@@ -110,13 +98,13 @@ TEST(ESNative, ConvertsAndFormatsNumbers) {
       {"(255).toString(16) + ' ' + (255).toString() + ' ' + (-1).toString(16)", "string ff 255 ffffffffffffffff"},
       {"var o = {}; o.f = (1).toString; o.f()", "TypeError: Number.prototype.toString called on non-Number object @ 1"},
       {"var o = {}; o.f = (1).valueOf; o.f()", "TypeError: Number.prototype.valueOf called on non-Number object @ 1"},
-      {"new Number(5) + 1", "number 6"},
-      {"typeof new Number(5)", "string object"},
+      {"(new Number(5) + 1) + typeof new Number(5)", "string 6object"},
       {"Number.MAX_VALUE == 1.7976931348623157e308 && Number.MIN_VALUE == 5e-324", "boolean true"},
       {"Number.NEGATIVE_INFINITY + ' ' + Number.POSITIVE_INFINITY + ' ' + Number.NaN",
        "string -Infinity Infinity NaN"},
-      {"Boolean('') + ' ' + Boolean('x') + ' ' + (new Boolean(false) ? 1 : 2)", "string false true 1"},
-      {"(new Boolean(1)).toString() + ' ' + (true).valueOf()", "string true true"},
+      {"Boolean('') + ' ' + Boolean('x') + ' ' + (new Boolean(false) ? 1 : 2) + (new Boolean(1)).toString() +"
+       "(true).valueOf()",
+       "string false true 1truetrue"},
       {"var o = {}; o.f = true.valueOf; o.f()",
        "TypeError: Boolean.prototype.toString called on non-Boolean object @ 1"},
   });
@@ -124,22 +112,17 @@ TEST(ESNative, ConvertsAndFormatsNumbers) {
 
 TEST(ESNative, ParsesNumbersFromText) {
   expectAll({
-      {"parseInt('12 34')", "number 12"},
-      {"parseInt('  7 ')", "number 7"},
-      {"parseInt('010')", "number 8"},
-      {"parseInt('09')", "number NaN"},  // octal by its leading 0
-      {"parseInt('0x1f')", "number 31"},
-      {"parseInt('0X1F')", "number NaN"},  // only a lower-case prefix chooses 16
-      {"parseInt('ff', 16) + parseInt('11', 2)", "number 258"},
-      {"parseInt('0x10', 0)", "number 16"},
+      // A leading 0 means octal, and only a lower-case prefix chooses 16.
+      {"parseInt('12 34') + ' ' + parseInt('  7 ') + ' ' + parseInt('010') + ' ' + parseInt('09') + ' ' +"
+       "parseInt('0x1f') + ' ' + parseInt('0X1F') + ' ' + parseInt('-12')",
+       "string 12 7 8 NaN 31 NaN -12"},
+      {"parseInt('ff', 16) + parseInt('11', 2) + parseInt('0x10', 0)", "number 274"},
       // Qt 6's integer conversion reads "7" in base 37 as 7; a base outside 2 to 36 reads nothing.
       {"parseInt('7', 1) + ' ' + parseInt('7', 37)", "string NaN NaN"},
       {"parseInt('zz') + ' ' + parseInt('12px') + ' ' + parseInt('')", "string NaN NaN NaN"},
-      {"parseInt('-12')", "number -12"},
       {"parseInt('99999999999')", "number NaN"},  // beyond 32 bits
-      {"parseFloat('1.5 2')", "number 1.5"},
-      {"parseFloat('0.1') == 0.1", "boolean false"},  // single precision
-      {"parseFloat('0.5') == 0.5", "boolean true"},
+      {"parseFloat('1.5 2') + ' ' + (parseFloat('0.1') == 0.1) + ' ' + (parseFloat('0.5') == 0.5)",
+       "string 1.5 false true"},  // single precision
       {"parseFloat('abc') + ' ' + parseFloat('1e39')", "string NaN NaN"},
       // Qt 6's float conversion reads "inf" and refuses a value that underflows; the
       // float range check of the double reading refuses the first and gives 0.
@@ -151,8 +134,7 @@ TEST(ESNative, ParsesNumbersFromText) {
 
 TEST(ESNative, MathFunctions) {
   expectAll({
-      {"Math.max(1, '2')", "number 2"},
-      {"Math.max(1, 'x')", "number NaN"},
+      {"Math.max(1, '2') + ' ' + Math.max(1, 'x')", "string 2 NaN"},
       {"Math.max() + ' ' + Math.min()", "string -Infinity Infinity"},
       {"1 / Math.max(-0, 0) + ' ' + 1 / Math.max(0, -0)", "string Infinity Infinity"},
       {"1 / Math.min(0, -0) + ' ' + 1 / Math.min(-0, 0)", "string -Infinity -Infinity"},
@@ -161,8 +143,8 @@ TEST(ESNative, MathFunctions) {
       {"1 / Math.round(-0.2) + ' ' + 1 / Math.round(-0.5) + ' ' + 1 / Math.round(-0)",
        "string -Infinity -Infinity -Infinity"},
       {"Math.round(2.5) + ' ' + Math.round(-2.5) + ' ' + Math.round(-2.6)", "string 3 -2 -3"},
-      {"1 / Math.abs(-0)", "number Infinity"},
-      {"Math.pow(2, 10) + Math.floor(-1.5) + Math.ceil(1.2) + Math.sqrt(16)", "number 1028"},
+      {"1 / Math.abs(-0) + ' ' + (Math.pow(2, 10) + Math.floor(-1.5) + Math.ceil(1.2) + Math.sqrt(16))",
+       "string Infinity 1028"},
       {"Math.PI == 4 * Math.atan(1) && Math.LOG10E == 1 / Math.LN10 && Math.E == Math.exp(1)",
        "boolean true"},
       // 15 bits of the generator: every value is a multiple of 1/32768 in [0, 1).
@@ -179,18 +161,17 @@ TEST(ESNative, ObjectAndFunctionMethods) {
       {"var f = Object.prototype.toString; function g() {} g.t = f; var a = [];"
        "a.t = f; g.t() + a.t() + Math.toString() + Error().toString() + this.toString()",
        "string [object Function][object Array][object Object][object Error][object global]"},
-      {"var o = new Boolean(true); o.v = Object.prototype.valueOf; o.v()", "boolean true"},
-      {"var o = {}; o.valueOf() == o", "boolean true"},
+      {"var o = new Boolean(true); o.v = Object.prototype.valueOf; o.v() + ' ' + (o.valueOf() == o)",
+       "string true true"},
       {"({a: 1}).hasOwnProperty('a') + ' ' + ({}).hasOwnProperty('toString') + ' ' + [5].hasOwnProperty(0)",
        "string true false true"},
       {"var o = {}; Object.prototype.isPrototypeOf(o) + ' ' + o.isPrototypeOf(o) + ' ' +"
        "Object.prototype.isPrototypeOf(5)",
        "string true false false"},
       {"({a: 1}).propertyIsEnumerable('a') + ' ' + ({}).propertyIsEnumerable('toString')", "string true false"},
-      {"(new Function('a', 'b', 'return a + b'))(2, 3)", "number 5"},
-      {"Function('a, b', 'return a * b')(2, 3) + Function('return 7')()", "number 13"},
-      {"var g = 3; Function('return g')()", "number 3"},
-      {"(new Function('x', 'return x')).length", "number 1"},
+      {"var g = 3; (new Function('a', 'b', 'return a + b'))(2, 3) + Function('a, b', 'return a * b')(2, 3) +"
+       "Function('return g')() + (new Function('x', 'return x')).length",
+       "number 15"},
       {"Function('a b', '')", "SyntaxError: expected , found an identifier @ 1"},
       // The parameter text cannot close the list and smuggle in code.
       {"Function('a) { return 1; }; (function (b', 'return 2')", "SyntaxError: expected , found ) @ 1"},
@@ -202,8 +183,7 @@ TEST(ESNative, ObjectAndFunctionMethods) {
 
 TEST(ESNative, ErrorObjects) {
   expectAll({
-      {"(new Error('x')).message + Error('y').message", "string xy"},  // a call acts like new
-      {"(new Error()).message + (new RangeError()).message", "string "},
+      {"(new Error('x')).message + Error('y').message + (new RangeError()).message", "string xy"},  // a call is new
       {"typeof Error(5).message", "string number"},  // kept unconverted
       {"EvalError().name + RangeError().name + ReferenceError().name + SyntaxError().name +"
        "TypeError().name + Error().name",
@@ -218,9 +198,7 @@ TEST(ESNative, EvalSwallowsErrorsAndBindsAtTopLevel) {
   expectAll({
       {"eval('1+')", "undefined"},
       {"eval('null.x'); 7", "number 7"},
-      {"eval('1 + 2') + eval(5)", "number 8"},
-      {"eval('var g = 4'); g", "number 4"},
-      {"eval('function h() { return 1; }'); h()", "number 1"},
+      {"eval('var g = 4'); eval('function h() { return 1; }'); eval('1 + 2') + eval(5) + g + h()", "number 13"},
       {"function f() { var x = 1; return eval('typeof x'); } f()", "string undefined"},
       // Errors after an eval still report the caller's line.
       {"eval('1');\nnull.x", "TypeError: can't convert null to an object @ 2"},
