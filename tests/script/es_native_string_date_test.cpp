@@ -29,30 +29,27 @@ class ESNativeStringDate : public ::testing::Test {
 
 TEST_F(ESNativeStringDate, SliceCountsNegativeBoundsFromTheEndAndSubstringSwapsThem) {
   expectAll({
-      {"'abcdef'.slice(-2)", "string ef"},
-      {"'abcdef'.slice(-10, 2)", "string ab"},  // from the end, stopping at 0
-      {"'abcdef'.slice(2, 0)", "string "},      // inverted: empty
-      {"'abcdef'.slice(1.9, Infinity)", "string bcdef"},
-      {"'abcdef'.slice(-Infinity, -Infinity)", "string "},
-      {"'abc'.substring(2, 0)", "string ab"},      // the smaller bound is the start
-      {"'abcdef'.substring(-3, 2)", "string ab"},  // a negative bound is 0, not from the end
-      {"'abcdef'.substring(NaN, 2) + 'abcdef'.substring(99, 4)", "string abef"},
+      // From the end, stopping at 0; an inverted pair is empty.
+      {"var s = 'abcdef'; s.slice(-2) + '|' + s.slice(-10, 2) + '|' + s.slice(2, 0) + '|' + s.slice(1.9, Infinity) +"
+       "'|' + s.slice(-Infinity, -Infinity)",
+       "string ef|ab||bcdef|"},
+      // The smaller bound is the start, and a negative bound is 0, not from the end.
+      {"var s = 'abcdef'; s.substring(2, 0) + '|' + s.substring(-3, 2) + '|' + s.substring(NaN, 2) +"
+       "s.substring(99, 4)",
+       "string ab|ab|abef"},
   });
 }
 
 TEST_F(ESNativeStringDate, SplitKeepsEmptyPartsAndReplaceTakesEveryOccurrenceLiterally) {
   expectAll({
-      {"'a,,b,'.split(',').join('|')", "string a||b|"},
-      {"''.split(',').length", "number 1"},
-      {"'aXbxc'.split('X').join('|')", "string a|bxc"},   // case-sensitive
-      {"'1undefined2'.split().join('|')", "string 1|2"},  // no separator is the text "undefined"
-      {"'a.b'.split('.', 1).join('|')", "string a|b"},    // the limit is ignored
+      // Case-sensitive; no separator is the text "undefined", and the limit is ignored.
+      {"'a,,b,'.split(',').join('|') + ' ' + ''.split(',').length + ' ' + 'aXbxc'.split('X').join('|') + ' ' +"
+       "'1undefined2'.split().join('|') + ' ' + 'a.b'.split('.', 1).join('|')",
+       "string a||b| 1 a|bxc 1|2 a|b"},
       // An empty separator cuts before and after every unit, ends included (as Qt 6 does).
       {"'abc'.split('').join('|')", "string |a|b|c|"},
-      {"'xx'.replace('x', 'y') + 'aAa'.replace('a', 'b')", "string yybAb"},
-      {"'a.*a'.replace('.*', '$1')", "string a$1a"},  // no pattern syntax
-      {"'aaa'.replace('aa', 'b') + 'ab'.replace('', '-')", "string ba-a-b-"},
-      {"'1null'.replace(null, 2)", "string 12"},
+      {"'xx'.replace('x', 'y') + 'aAa'.replace('a', 'b') + 'a.*a'.replace('.*', '$1')", "string yybAba$1a"},
+      {"'aaa'.replace('aa', 'b') + 'ab'.replace('', '-') + '1null'.replace(null, 2)", "string ba-a-b-12"},
   });
   ScriptRunner runner;
   EXPECT_EQ(runner.run("var s = 'x'; while (s.length < 1048576) s = s + s;\ns.replace('x', s)"),
@@ -70,21 +67,18 @@ TEST_F(ESNativeStringDate, SearchesAndPositionsFollowTheirDefaults) {
       // default start is limited to the length first.
       {"'abcb'.lastIndexOf('cb') + ' ' + 'abc'.lastIndexOf('')", "string 2 3"},
       {"'xundefined'.search() + ' ' + 'abc'.search('d')", "string 1 -1"},
-      {"'abc'.charAt(1.7) + 'abc'.charAt(3) + 'abc'.charAt(-1)", "string b"},
-      {"'abc'.charCodeAt(0) + ' ' + 'abc'.charCodeAt(3)", "string 97 NaN"},
-      {"typeof 'abc'.match('a')", "string undefined"},
-      {"'a'.concat(1, null, 'b')", "string a1nullb"},
+      {"'abc'.charAt(1.7) + 'abc'.charAt(3) + 'abc'.charAt(-1) + 'abc'.charCodeAt(0) + ' ' + 'abc'.charCodeAt(3)",
+       "string b97 NaN"},
+      {"typeof 'abc'.match('a') + 'a'.concat(1, null, 'b')", "string undefineda1nullb"},
       {"'a'.localeCompare('b') < 0 && 'b'.localeCompare('a') > 0 && 'a'.localeCompare('a') == 0", "boolean true"},
   });
 }
 
 TEST_F(ESNativeStringDate, TrimReducesInnerRunsAndCaseFollowsUnicode) {
   expectAll({
-      {"' \\t a  \\n\\r b \\t'.trim()", "string a b"},
       // No-break, line separator and ideographic spaces count as white space too.
-      {"'\\u00a0a\\u2028\\u3000b\\u00a0'.trim()", "string a b"},
-      {"'Straße'.toUpperCase()", "string STRASSE"},
-      {"'ÀB'.toLowerCase() + 'àb'.toLocaleUpperCase()", "string àbÀB"},
+      {"' \\t a  \\n\\r b \\t'.trim() + '|' + '\\u00a0a\\u2028\\u3000b\\u00a0'.trim()", "string a b|a b"},
+      {"'Straße'.toUpperCase() + 'ÀB'.toLowerCase() + 'àb'.toLocaleUpperCase()", "string STRASSEàbÀB"},
   });
 }
 
@@ -183,8 +177,9 @@ TEST_F(ESNativeStringDate, TimeSettersTakeMissingFieldsFromTheTimeValue) {
       "var d = new Date(1); d.setTime(2460311 * 86400000 + 37230400);\n",
       "; d.getDate() + ' ' + d.getHours() + ':' + d.getMinutes() + ':' + d.getSeconds() + '.' + d.getMilliseconds()");
   expectAll({
-      {"var d = new Date(1); var r = d.setMinutes(2); r == d.valueOf() && r == 120000", "boolean true"},
-      {"Date.prototype.setMinutes.length + ' ' + Date.prototype.setUTCMinutes.length", "string 2 3"},
+      {"var d = new Date(1); var r = d.setMinutes(2); (r == d.valueOf() && r == 120000) + ' ' +"
+       "Date.prototype.setMinutes.length + ' ' + Date.prototype.setUTCMinutes.length",
+       "string true 2 3"},
   });
 }
 
@@ -239,8 +234,6 @@ TEST_F(ESNativeStringDate, DateMethodsRequireADateObject) {
   expectAll(
       {
           {"o.f = Date.prototype.getFullYear; o.f()", "TypeError: Date object required @ 1"},
-          {"o.f = Date.prototype.setHours; o.f(1)", "TypeError: Date object required @ 1"},
-          {"o.f = Date.prototype.toString; o.f()", "TypeError: Date object required @ 1"},
           {"Date.f = Date.prototype.valueOf; Date.f()", "TypeError: Date object required @ 1"},
           {"Date()", "Error: bad signature in builtin call @ 1"},
       },
