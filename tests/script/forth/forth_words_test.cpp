@@ -53,8 +53,7 @@ TEST(ForthWords, ArithmeticWrapsAndDivisionRoundsTowardMinusInfinity) {
 
 TEST(ForthWords, StackWordsMoveWholeCells) {
   const Row rows[] = {
-      {"1 2 3 ROT .S", "<3> 2 3 1 "},
-      {"1 2 3 -ROT .S", "<3> 3 1 2 "},
+      {"1 2 3 ROT .S -ROT -ROT .S", "<3> 2 3 1 <3> 3 1 2 "},
       {"1 2 NIP 3 4 TUCK .S", "<4> 2 4 3 4 "},
       {"1 2 2DUP 2SWAP 2OVER .S", "<6> 1 2 1 2 1 2 "},
       {"0 ?DUP 5 ?DUP DEPTH . 2DROP DROP DEPTH .", "3 0 "},
@@ -68,27 +67,24 @@ TEST(ForthWords, ControlStructuresNest) {
       {": SIGN DUP 0< IF DROP .\" neg\" ELSE 0= IF .\" zero\" ELSE .\" pos\" THEN THEN ; -3 SIGN 0 SIGN 4 SIGN",
        "negzeropos"},
       {": T 3 0 DO 2 0 DO J 10 * I + . LOOP LOOP ; T", "0 1 10 11 20 21 "},
-      {": DOWN 0 10 DO I . -3 +LOOP ; DOWN", "10 7 4 1 "},
-      {": UP 10 0 DO I . 4 +LOOP ; UP", "0 4 8 "},
+      {": DOWN 0 10 DO I . -3 +LOOP ; : UP 10 0 DO I . 4 +LOOP ; DOWN UP", "10 7 4 1 0 4 8 "},
       {": NONE 5 5 ?DO I . LOOP .\" done\" ; NONE", "done"},
       {": FIRST 100 0 DO I 3 = IF I . LEAVE THEN LOOP .\" out\" ; FIRST", "3 out"},
       {": DEEP 10 0 DO 1 IF 1 IF I 3 = IF LEAVE THEN THEN THEN I . LOOP .\" end\" ; DEEP", "0 1 2 end"},
       {": TWO 2 0 DO 5 0 DO I 1 = IF LEAVE THEN I . LOOP I . LOOP ; TWO", "0 0 0 1 "},  // the inner loop only
-      {": COUNT 0 BEGIN DUP 3 < WHILE DUP . 1+ REPEAT DROP ; COUNT", "0 1 2 "},
-      {": HALVE BEGIN DUP . 2/ DUP 0= UNTIL DROP ; 20 HALVE", "20 10 5 2 1 "},
+      {": COUNT 0 BEGIN DUP 3 < WHILE DUP . 1+ REPEAT DROP ; : HALVE BEGIN DUP . 2/ DUP 0= UNTIL DROP ; COUNT 20 HALVE",
+       "0 1 2 20 10 5 2 1 "},
       {": FOREVER BEGIN DUP 5 = IF EXIT THEN 1+ AGAIN ; 0 FOREVER .", "5 "},
-      {": FACT DUP 1 > IF DUP 1- RECURSE * THEN ; 10 FACT .", "3628800 "},
-      {": INNER 1 >R 2 R@ R> + + ; INNER .", "4 "},
+      {": FACT DUP 1 > IF DUP 1- RECURSE * THEN ; : INNER 1 >R 2 R@ R> + + ; 10 FACT . INNER .", "3628800 4 "},
   };
   expectOutputs(std::begin(rows), std::end(rows));
 }
 
 TEST(ForthWords, DataWordsAndText) {
   const Row rows[] = {
-      {"VARIABLE V 5 V ! 3 V +! V @ .", "8 "},
       {"42 CONSTANT ANSWER ANSWER . 1 VALUE N 7 TO N N . : SET 9 TO N ; SET N .", "42 7 9 "},
       {"CREATE TABLE 3 CELLS ALLOT 11 TABLE CELL+ ! TABLE 1 CELLS + @ . HERE TABLE - .", "11 24 "},
-      {"CREATE LIST 1 , 2 , LIST @ LIST CELL+ @ + .", "3 "},
+      {"VARIABLE V 5 V ! 3 V +! V @ . CREATE LIST 1 , 2 , LIST @ LIST CELL+ @ + .", "8 3 "},
       {"1 ( a comment ) 2 \\ the rest of the line\n+ .", "3 "},
       {".( at once) CR 65 EMIT SPACE 3 SPACES CHAR z EMIT : Q [CHAR] q EMIT ; Q", "at once\nA    zq"},
       {": DUP DUP * ; 3 DUP .", "9 "},  // a definition sees the old word of its own name
@@ -111,23 +107,19 @@ TEST(ForthWords, FailuresCarryTheirCodesMessage) {
       {": X IF ;", "control structure mismatch: ;"},
       {": X LOOP ;", "no DO loop"},
       {": X LEAVE ;", "LEAVE not in DO"},
-      {";", "interpreting a compile-only word: ;"},
       {"1E .", "argument type mismatch"},
       {"0 @", "invalid address"},
       {"HERE @", "invalid address"},
       {"VARIABLE V V 4 + @", "misaligned address"},
       {"-16 ALLOT", "invalid argument"},
-      {"9.3E18 F>S", "invalid argument"},
       {"9.2233720368547758E18 F>S", "invalid argument"},  // 2 to the 63rd is one past the largest cell
       {": R RECURSE ; R", "return stack overflow"},
       {": B 1 >R ; B", "return stack imbalance: B"},
       {": L 3 0 DO EXIT LOOP ; L", "return stack imbalance: L"},
-      {"5 TO DUP", "no store method defined: DUP"},
       {"5 CONSTANT C 6 TO C", "no store method defined: C"},
       {"-1 THROW", "abort thrown"},
       {"ABORT", "abort thrown"},
       {"-9 THROW", "invalid address"},
-      {"-8 THROW", "-8 THROW undefined"},
       {":", "-16 THROW undefined: :"},
   };
   expectFailures(std::begin(rows), std::end(rows));
