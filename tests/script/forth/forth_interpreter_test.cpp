@@ -136,16 +136,20 @@ TEST(ForthInterpreter, CodesWithoutAnOperationOfTheirOwnThrowTheirCodes) {
 }
 
 // The console prints a blank, the line's output, the failure, and " OK" whenever
-// no definition is left open.
+// no definition is left open. Control and high bytes separate words, and a step
+// budget ends a runaway loop.
 TEST(ForthConsole, AnswersEachLineAndGoesOnAfterAFailure) {
   std::string out;
   ForthConsole console([&](std::string_view bytes) { out += bytes; });
   RecordingListener listener;
   console.interpreter().listener = &listener;
+  console.interpreter().setStepBudget(10000);
   for (const char* line : {"2 3 + .", ": SQ", "DUP * ;", "7 SQ .", ": BAD 1 FROB 2 ;", "BAD", "1.5", "4294967297 ."})
     console.typeLine(line);
   console.typeLine(std::string(256, ' '));
   console.typeLine(std::string(254, ' ') + "1");
+  console.typeLine("1\t2\x01" "3\xff+ + .");
+  console.typeLine(": SPIN BEGIN AGAIN ; SPIN");
   EXPECT_EQ(out,
             " 5  OK\n"
             " \n"
@@ -156,25 +160,12 @@ TEST(ForthConsole, AnswersEachLineAndGoesOnAfterAFailure) {
             " undefined word: 1.5 OK\n"
             " 1  OK\n"  // a typed number is cut to 32 bits
             " string buffer overflow OK\n"
-            "  OK\n");
-  ASSERT_EQ(listener.texts.size(), 4u);
+            "  OK\n"
+            " 6  OK\n"
+            " user interrupt OK\n");
+  ASSERT_EQ(listener.texts.size(), 5u);
   EXPECT_EQ(listener.texts[0], QStringLiteral("undefined word: FROB"));
   EXPECT_EQ(console.interpreter().data.count(), 1);  // the abandoned definition pushed nothing
-}
-
-TEST(ForthConsole, ControlAndHighBytesSeparateWords) {
-  std::string out;
-  ForthConsole console([&](std::string_view bytes) { out += bytes; });
-  console.typeLine("1\t2\x01" "3\xff+ + .");
-  EXPECT_EQ(out, " 6  OK\n");
-}
-
-TEST(ForthConsole, AStepBudgetEndsARunawayLoop) {
-  std::string out;
-  ForthConsole console([&](std::string_view bytes) { out += bytes; });
-  console.interpreter().setStepBudget(10000);
-  console.typeLine(": SPIN BEGIN AGAIN ; SPIN");
-  EXPECT_EQ(out, " user interrupt OK\n");
 }
 
 }  // namespace
