@@ -49,9 +49,6 @@ TEST(ESNative, KeepsTheArrayLength) {
       {"(new Array(3)).length + ' ' + Array(1, 2).length + ' ' + Array('3').length", "string 3 2 1"},
       {"(new Array(4294967295)).length", "number 4294967295"},
       {"new Array(3.5)", "RangeError: bad length in array constructor @ 1"},
-      {"Array(-1)", "RangeError: bad length in array constructor @ 1"},
-      {"var a = [1, 2]; a.push(3, 4) + ' ' + a.pop() + ' ' + a.shift() + ' ' + a.join()", "string 4 4 1 2,3"},
-      {"var a = []; typeof a.pop() + typeof a.shift() + a.length", "string undefinedundefined0"},
       {"var a = [undefined, 1]; a.reverse(); [1, 2, 3].reverse() + ' ' + a.hasOwnProperty(1) + ' ' + a[0]",
        "string 3,2,1 false 1"},
       {"var a = [1, 2, 3, 4]; a.slice(1, 3) + ' ' + a.slice(-2) + ' ' + a.slice(-9, 9) + ' ' + a.slice(2, 1).length",
@@ -71,8 +68,6 @@ TEST(ESNative, SortsWithTheShellSort) {
       {"[10, 9, 1].sort().join()", "string 1,10,9"},  // by text
       {"var a = [3, undefined, 1, 2]; a.sort(); a.join() + ' ' + a.length + ' ' + a.hasOwnProperty(3)",
        "string 1,2,3 4 false"},
-      {"[undefined, 'b', undefined, 'a'].sort().join()", "string a,b"},
-      {"[10, 9, 1, 100].sort(function (a, b) { return a - b; }).join()", "string 1,9,10,100"},
       {"var a = [2, 1]; var t; (a.sort(function (x, y) { t = this; return x - y; }) == a) + ' ' + (t == a)",
        "string true true"},
       {"[5].sort(5).length", "Error: Array.prototype.sort argument is not a function @ 1"},
@@ -99,12 +94,6 @@ TEST(ESNative, ConvertsAndFormatsNumbers) {
       {"var o = {}; o.f = (1).toString; o.f()", "TypeError: Number.prototype.toString called on non-Number object @ 1"},
       {"var o = {}; o.f = (1).valueOf; o.f()", "TypeError: Number.prototype.valueOf called on non-Number object @ 1"},
       {"(new Number(5) + 1) + typeof new Number(5)", "string 6object"},
-      {"Number.MAX_VALUE == 1.7976931348623157e308 && Number.MIN_VALUE == 5e-324", "boolean true"},
-      {"Number.NEGATIVE_INFINITY + ' ' + Number.POSITIVE_INFINITY + ' ' + Number.NaN",
-       "string -Infinity Infinity NaN"},
-      {"Boolean('') + ' ' + Boolean('x') + ' ' + (new Boolean(false) ? 1 : 2) + (new Boolean(1)).toString() +"
-       "(true).valueOf()",
-       "string false true 1truetrue"},
       {"var o = {}; o.f = true.valueOf; o.f()",
        "TypeError: Boolean.prototype.toString called on non-Boolean object @ 1"},
   });
@@ -113,28 +102,22 @@ TEST(ESNative, ConvertsAndFormatsNumbers) {
 TEST(ESNative, ParsesNumbersFromText) {
   expectAll({
       // A leading 0 means octal, and only a lower-case prefix chooses 16.
-      {"parseInt('12 34') + ' ' + parseInt('  7 ') + ' ' + parseInt('010') + ' ' + parseInt('09') + ' ' +"
-       "parseInt('0x1f') + ' ' + parseInt('0X1F') + ' ' + parseInt('-12')",
-       "string 12 7 8 NaN 31 NaN -12"},
+      {"[parseInt(' 12 34'), parseInt('010'), parseInt('09'), parseInt('0X1F')].join()", "string 12,8,NaN,NaN"},
       {"parseInt('ff', 16) + parseInt('11', 2) + parseInt('0x10', 0)", "number 274"},
       // Qt 6's integer conversion reads "7" in base 37 as 7; a base outside 2 to 36 reads nothing.
       {"parseInt('7', 1) + ' ' + parseInt('7', 37)", "string NaN NaN"},
       {"parseInt('zz') + ' ' + parseInt('12px') + ' ' + parseInt('')", "string NaN NaN NaN"},
       {"parseInt('99999999999')", "number NaN"},  // beyond 32 bits
-      {"parseFloat('1.5 2') + ' ' + (parseFloat('0.1') == 0.1) + ' ' + (parseFloat('0.5') == 0.5)",
-       "string 1.5 false true"},  // single precision
+      {"(parseFloat('0.1') == 0.1) + ' ' + (parseFloat('0.5') == 0.5)", "string false true"},  // single precision
       {"parseFloat('abc') + ' ' + parseFloat('1e39')", "string NaN NaN"},
       // Qt 6's float conversion reads "inf" and refuses a value that underflows; the
       // float range check of the double reading refuses the first and gives 0.
       {"parseFloat('inf') + ' ' + parseFloat('1e-50')", "string NaN 0"},
-      {"isNaN('x') + ' ' + isNaN('1') + ' ' + isFinite('1e999') + ' ' + isFinite(2)",
-       "string true false false true"},
   });
 }
 
 TEST(ESNative, MathFunctions) {
   expectAll({
-      {"Math.max(1, '2') + ' ' + Math.max(1, 'x')", "string 2 NaN"},
       {"Math.max() + ' ' + Math.min()", "string -Infinity Infinity"},
       {"1 / Math.max(-0, 0) + ' ' + 1 / Math.max(0, -0)", "string Infinity Infinity"},
       {"1 / Math.min(0, -0) + ' ' + 1 / Math.min(-0, 0)", "string -Infinity -Infinity"},
@@ -143,10 +126,7 @@ TEST(ESNative, MathFunctions) {
       {"1 / Math.round(-0.2) + ' ' + 1 / Math.round(-0.5) + ' ' + 1 / Math.round(-0)",
        "string -Infinity -Infinity -Infinity"},
       {"Math.round(2.5) + ' ' + Math.round(-2.5) + ' ' + Math.round(-2.6)", "string 3 -2 -3"},
-      {"1 / Math.abs(-0) + ' ' + (Math.pow(2, 10) + Math.floor(-1.5) + Math.ceil(1.2) + Math.sqrt(16))",
-       "string Infinity 1028"},
-      {"Math.PI == 4 * Math.atan(1) && Math.LOG10E == 1 / Math.LN10 && Math.E == Math.exp(1)",
-       "boolean true"},
+      {"1 / Math.abs(-0)", "number Infinity"},
       // 15 bits of the generator: every value is a multiple of 1/32768 in [0, 1).
       {"var ok = true; for (var i = 0; i < 2000; i++) { var r = Math.random() * 32768;"
        "if (r < 0 || r >= 32768 || r != Math.floor(r)) ok = false; } ok",
@@ -163,8 +143,6 @@ TEST(ESNative, ObjectAndFunctionMethods) {
        "string [object Function][object Array][object Object][object Error][object global]"},
       {"var o = new Boolean(true); o.v = Object.prototype.valueOf; o.v() + ' ' + (o.valueOf() == o)",
        "string true true"},
-      {"({a: 1}).hasOwnProperty('a') + ' ' + ({}).hasOwnProperty('toString') + ' ' + [5].hasOwnProperty(0)",
-       "string true false true"},
       {"var o = {}; Object.prototype.isPrototypeOf(o) + ' ' + o.isPrototypeOf(o) + ' ' +"
        "Object.prototype.isPrototypeOf(5)",
        "string true false false"},
@@ -184,9 +162,6 @@ TEST(ESNative, ObjectAndFunctionMethods) {
 TEST(ESNative, ErrorObjects) {
   expectAll({
       {"(new Error('x')).message + Error('y').message + (new RangeError()).message", "string xy"},  // a call is new
-      {"EvalError().name + RangeError().name + ReferenceError().name + SyntaxError().name +"
-       "TypeError().name + Error().name",
-       "string EvalErrorRangeErrorReferenceErrorSyntaxErrorTypeErrorError"},
       {"TypeError.prototype.hasOwnProperty('message') + ' ' + Error.prototype.isPrototypeOf(new TypeError())",
        "string false true"},
       {"TypeError('t').toString() + typeof Error(5).message", "string [object Error]number"},  // kept unconverted
@@ -215,7 +190,6 @@ TEST(ESNative, LoadRunsFilesFromThePathOrTheSearchList) {
   runner.context().addLoadDirectory(QString::fromStdString(folder.file("missing")));
   runner.context().addLoadDirectory(QString::fromStdString(folder.path().string()));
   EXPECT_EQ(runner.run("load('lib.js')"), "boolean true");
-  EXPECT_EQ(runner.run("load('missing.js')"), "boolean false");
   // A syntax error in the file reaches the caller, naming the file and its line.
   ESEvaluation failed = runner.context().evaluate(QStringLiteral("main.js"), QStringLiteral("\nload('bad.js')"));
   EXPECT_EQ(runner.describe(failed), "SyntaxError: expected an identifier found = @ 2");
@@ -240,7 +214,8 @@ TEST(ESNative, SetsUpTheClassesInOrder) {
   });
 }
 
-TEST(ESNative, UnknownIdsAreBadSignatures) {
+// Unknown ids are bad signatures, and a definition carries its help text.
+TEST(ESNative, DefinesBuiltinsFromTheirDefinitions) {
   ScriptRunner runner;
   ESContext& context = runner.context();
   auto define = [&](ESClass* klass, const char* name, int32_t id, bool isConstructor) {
@@ -256,11 +231,6 @@ TEST(ESNative, UnknownIdsAreBadSignatures) {
     define(klass, "Odd", 5, true);
     EXPECT_EQ(runner.run("new Odd()"), "Error: bad signature in builtin construct @ 1") << klass->name;
   }
-}
-
-TEST(ESNative, DefinitionsCarryTheirHelpText) {
-  ScriptRunner runner;
-  ESContext& context = runner.context();
   ESBuiltinDef definition = context.builtinDef(QStringLiteral("sum"), QStringLiteral("Tools.sum"), 2, 0);
   definition.help = QStringLiteral("adds two numbers");
   context.defineBuiltin(context.global(), context.objectClass(), definition);
