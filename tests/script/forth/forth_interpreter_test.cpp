@@ -58,7 +58,6 @@ TEST(ForthThrow, MessagesComeFromTheTableWithTheTextBehindThem) {
     const char* text;
     const char* message;
   } rows[] = {
-      {-1, "", "abort thrown"},
       {-2, "", "abort thrown"},
       {-1, "MYWORD failed", "MYWORD failed"},  // no table text: the exception's text alone
       {-13, "FROB", "undefined word: FROB"},
