@@ -258,28 +258,12 @@ double ESNativeDate::getField(int32_t id, double time) const {
 
 double ESNativeDate::setField(ESContext& context, int32_t id, double time, int32_t argumentCount,
                               const ESValue* arguments) const {
-  switch (id) {
-    case SetMilliseconds:
-    case SetUTCMilliseconds:
-      return setTimeFields(context, kMillisecondsField, time, argumentCount, arguments);
-    case SetSeconds:
-    case SetUTCSeconds:
-      return setTimeFields(context, kSecondsField, time, argumentCount, arguments);
-    case SetMinutes:
-    case SetUTCMinutes:
-      return setTimeFields(context, kMinutesField, time, argumentCount, arguments);
-    case SetHours:
-    case SetUTCHours:
-      return setTimeFields(context, kHoursField, time, argumentCount, arguments);
-    case SetDate:
-    case SetUTCDate:
-      return setDateFields(context, kDayField, time, argumentCount, arguments);
-    case SetMonth:
-    case SetUTCMonth:
-      return setDateFields(context, kMonthField, time, argumentCount, arguments);
-    default:  // setFullYear, setUTCFullYear
-      return setDateFields(context, kYearField, time, argumentCount, arguments);
-  }
+  // The setters come in pairs, the local form then the UTC form, which share their code.
+  static constexpr int32_t kTimeFields[] = {kMillisecondsField, kSecondsField, kMinutesField, kHoursField};
+  static constexpr int32_t kDateFields[] = {kDayField, kMonthField, kYearField};
+  const int32_t pair = (id - SetMilliseconds) / 2;
+  if (pair < 4) return setTimeFields(context, kTimeFields[pair], time, argumentCount, arguments);
+  return setDateFields(context, kDateFields[pair - 4], time, argumentCount, arguments);
 }
 
 // Sets the time fields from `firstField` on; later ones not given keep their value.
