@@ -20,6 +20,8 @@ std::filesystem::path programFolder() {
 int runInModule(std::string_view command, Arguments arguments) {
   const std::string fileName = "loom-" + std::string(command) + ".so";
   const std::filesystem::path folder = programFolder();
+  // Never a path relative to the working folder: that would load whatever lies there.
+  if (folder.empty()) return fail("cannot load " + fileName + ": the program's own folder is unknown");
   std::string lastError = "not found beside the program";
   for (const std::filesystem::path& candidate : {folder / fileName, folder / "../lib/loom" / fileName}) {
     if (access(candidate.c_str(), R_OK) != 0) continue;
